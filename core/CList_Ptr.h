@@ -13,7 +13,7 @@
 // would leave two lists destroying the same nodes.)
 //
 // CList_Ptr<CTgt*> is compiled complete into the library (hosts link to it):
-// its explicit instantiation sits in targets/CTgtRec.cpp.
+// its explicit instantiation sits in targets/CTgt.cpp.
 #include "core/CZanPtr.h"
 
 template <class T>
