@@ -1,0 +1,195 @@
+#include "geo/GeoConv.h"
+
+#include "core/platform/ML.h"
+#include "geo/CProj.h"
+#include "geo/CShft.h"
+#include "geo/CSphd.h"
+
+#include <cmath>
+
+namespace {
+
+// Bounds on the two iterations. Both converge by a factor of about e² (1/150)
+// a pass, so a sane input needs 3 to 6 passes; the bound only stops inputs
+// whose residual can never fall under the tolerance (huge or non-finite).
+constexpr int kMaxPasses = 64;
+
+// Meridian arc from the latitude of origin, with the scale folded in: the
+// n-series of the Ordnance Survey formulae. sin(φ−φ0), cos(φ+φ0) and their
+// multiples come from one sin/cos of φ by the angle-sum and multiple-angle
+// identities, which is the same arithmetic as calling sin and cos of each
+// argument to a few units in the last place (1e-9 m on the arc) and costs one
+// sincos instead of six transcendental calls per pass.
+class CArc {
+public:
+    CArc(const CSphd& sphd, const CProj& proj)
+        : m_phi0(proj.m_latOrigin), m_sin0(std::sin(proj.m_latOrigin)), m_cos0(std::cos(proj.m_latOrigin))
+    {
+        const double a = sphd.m_semiMajor, b = sphd.m_semiMinor;
+        const double n = (a - b) / (a + b), n2 = n * n, n3 = n2 * n;
+        m_bk0 = b * proj.m_scale;
+        m_c0 = 1.0 + n + 5.0 / 4.0 * n2 + 5.0 / 4.0 * n3;
+        m_c1 = 3.0 * n + 3.0 * n2 + 21.0 / 8.0 * n3;
+        m_c2 = 15.0 / 8.0 * n2 + 15.0 / 8.0 * n3;
+        m_c3 = 35.0 / 24.0 * n3;
+    }
+
+    // M(φ), given sin φ and cos φ as well.
+    double operator()(double phi, double s, double c) const
+    {
+        const double sd = s * m_cos0 - c * m_sin0;  // sin(φ − φ0)
+        const double cd = c * m_cos0 + s * m_sin0;  // cos(φ − φ0)
+        const double ss = s * m_cos0 + c * m_sin0;  // sin(φ + φ0)
+        const double cs = c * m_cos0 - s * m_sin0;  // cos(φ + φ0)
+        const double sd2 = 2.0 * sd * cd;            // sin 2(φ − φ0)
+        const double cs2 = cs * cs - ss * ss;        // cos 2(φ + φ0)
+        const double sd3 = sd * (3.0 - 4.0 * sd * sd);  // sin 3(φ − φ0)
+        const double cs3 = cs * (4.0 * cs * cs - 3.0);  // cos 3(φ + φ0)
+        return m_bk0 * (m_c0 * (phi - m_phi0) - m_c1 * sd * cs + m_c2 * sd2 * cs2 - m_c3 * sd3 * cs3);
+    }
+
+private:
+    double m_phi0, m_sin0, m_cos0;
+    double m_bk0 = 0.0, m_c0 = 0.0, m_c1 = 0.0, m_c2 = 0.0, m_c3 = 0.0;
+};
+
+} // namespace
+
+void GeoConv::llh2enz(const CSphd& sphd, const CProj& proj, CV3 llh, CV3& enz)
+{
+    const double a = sphd.m_semiMajor, e2 = sphd.m_ecc2, k0 = proj.m_scale;
+    const double phi = llh.y;
+    const double P = llh.x - proj.m_lonOrigin;
+    const double s = std::sin(phi), c = std::cos(phi);
+    const double t = c == 0.0 ? 100000.0 : s / c;
+    const double t2 = t * t, t4 = t2 * t2;
+    const double w = 1.0 - e2 * s * s;
+    const double nu = a * k0 / std::sqrt(w);
+    const double rho = (1.0 - e2) * nu / w;
+    const double eta2 = nu / rho - 1.0;
+    const double c3 = c * c * c, c5 = c3 * c * c;
+    const double P2 = P * P;
+
+    const double I = CArc(sphd, proj)(phi, s, c) + proj.m_falseNorth;
+    const double II = nu / 2.0 * s * c;
+    const double III = nu / 24.0 * s * c3 * (5.0 - t2 + 9.0 * eta2);
+    const double IIIA = nu / 720.0 * s * c5 * (61.0 - 58.0 * t2 + t4);
+    const double IV = nu * c;
+    const double V = nu / 6.0 * c3 * (nu / rho - t2);
+    const double VI = nu / 120.0 * c5 * (5.0 - 18.0 * t2 + t4 + 14.0 * eta2 - 58.0 * t2 * eta2);
+
+    enz.y = I + II * P2 + III * P2 * P2 + IIIA * P2 * P2 * P2;
+    enz.x = proj.m_falseEast + IV * P + V * P2 * P + VI * P2 * P2 * P;
+}
+
+void GeoConv::enz2llh(const CSphd& sphd, const CProj& proj, CV3 enz, CV3& llh)
+{
+    const double a = sphd.m_semiMajor, e2 = sphd.m_ecc2, k0 = proj.m_scale;
+    const double ak0 = a * k0;
+    const double dN = enz.y - proj.m_falseNorth;
+    const CArc arc(sphd, proj);
+
+    // Footpoint latitude: correct until the arc residual is under 1 mm; the
+    // last correction is applied before leaving. The pass bound and the
+    // negated test (false for NaN) stop inputs that cannot converge.
+    double phi = dN / ak0 + proj.m_latOrigin;
+    for (int pass = 0; pass < kMaxPasses; ++pass) {
+        const double r = dN - arc(phi, std::sin(phi), std::cos(phi));
+        phi += r / ak0;
+        if (!(std::fabs(r) >= 0.001)) break;
+    }
+
+    const double s = std::sin(phi), c = std::cos(phi);
+    const double w = 1.0 - e2 * s * s;
+    const double nu = ak0 / std::sqrt(w);
+    const double rho = (1.0 - e2) * nu / w;
+    const double eta2 = nu / rho - 1.0;
+    const double sec = c == 0.0 ? 1e11 : 1.0 / c;
+    const double t = c == 0.0 ? 100000.0 : s / c;
+    const double t2 = t * t, t4 = t2 * t2, t6 = t4 * t2;
+    const double nu3 = nu * nu * nu, nu5 = nu3 * nu * nu, nu7 = nu5 * nu * nu;
+    const double d = enz.x - proj.m_falseEast;
+    const double d2 = d * d, d3 = d2 * d, d4 = d2 * d2, d5 = d4 * d, d6 = d4 * d2, d7 = d6 * d;
+
+    const double VII = t / (2.0 * rho * nu);
+    const double VIII = t / (24.0 * rho * nu3) * (5.0 + 3.0 * t2 + eta2 - 9.0 * t2 * eta2);
+    const double IX = t / (720.0 * rho * nu5) * (61.0 + 90.0 * t2 + 45.0 * t4);
+    const double X = sec / nu;
+    const double XI = sec / (6.0 * nu3) * (nu / rho + 2.0 * t2);
+    const double XII = sec / (120.0 * nu5) * (5.0 + 28.0 * t2 + 24.0 * t4);
+    const double XIIA = sec / (5040.0 * nu7) * (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t6);
+
+    llh.y = phi - VII * d2 + VIII * d4 - IX * d6;
+    llh.x = proj.m_lonOrigin + X * d - XI * d3 + XII * d5 - XIIA * d7;
+}
+
+void GeoConv::llh2xyz(const CSphd& sphd, CV3 llh, CV3& xyz)
+{
+    const double a = sphd.m_semiMajor, b = sphd.m_semiMinor, e2 = sphd.m_ecc2;
+    const double phi = llh.y, lam = llh.x, h = llh.z;
+    const double s = std::sin(phi), c = std::cos(phi);
+    const double nu = a / std::sqrt(1.0 - e2 * s * s);
+    xyz.x = (h + nu) * c * std::cos(lam);
+    xyz.y = (h + nu) * c * std::sin(lam);
+    // Height of the surface point above the equator plane from the ellipse
+    // x²/a² + z²/b² = 1 at x = ν·cos φ. Rounding can take the radicand a hair
+    // below zero on the equator; it is 0 there.
+    const double q = 1.0 - nu * nu * c * c / (a * a);
+    const double z0 = b * std::sqrt(q > 0.0 ? q : 0.0);
+    xyz.z = (phi < 0.0 ? -z0 : z0) + h * s;
+}
+
+void GeoConv::xyz2llh(const CSphd& sphd, CV3 xyz, CV3& llh)
+{
+    const double a = sphd.m_semiMajor, e2 = sphd.m_ecc2;
+    const double lam = std::atan2(xyz.y, xyz.x);
+    llh.x = lam;
+    const double p = std::sqrt(xyz.x * xyz.x + xyz.y * xyz.y);
+
+    // Fixed-point iteration on the latitude until a pass changes it by at
+    // most 1e-7 rad. The pass bound and the negated test (false for NaN) make
+    // a non-finite position return at once.
+    double phi = 0.0, phiNew = 0.0, nu = a;
+    for (int pass = 0; pass < kMaxPasses; ++pass) {
+        const double s = std::sin(phi);
+        nu = a / std::sqrt(1.0 - e2 * s * s);
+        phiNew = std::atan((xyz.z + e2 * nu * s) / p);
+        if (!(std::fabs(phiNew - phi) > 1e-7)) break;
+        phi = phiNew;
+    }
+    llh.y = phiNew;
+    llh.z = xyz.x / std::cos(lam) / std::cos(phiNew) - nu;
+}
+
+void GeoConv::DShift(const CShft& shft, CV3 in, CV3& out, int inverse)
+{
+    constexpr double kSec = ML::pi / 648000.0;  // one arc-second in radians
+    const double sign = inverse ? -1.0 : 1.0;
+    const double rx = sign * shft.m_rotX * kSec;
+    const double ry = sign * shft.m_rotY * kSec;
+    const double rz = sign * shft.m_rotZ * kSec;
+    const double k = inverse ? 1.0 - shft.m_ppm * 1e-6 : 1.0 + shft.m_ppm * 1e-6;
+    const double X = in.x, Y = in.y, Z = in.z;
+    const double x = (X - rz * Y + ry * Z) * k;
+    const double y = (rz * X + Y - rx * Z) * k;
+    const double z = (-ry * X + rx * Y + Z) * k;
+    if (inverse) {
+        out.x = x - shft.m_dX;
+        out.y = y - shft.m_dY;
+        out.z = z - shft.m_dZ;
+    } else {
+        out.x = x + shft.m_dX;
+        out.y = y + shft.m_dY;
+        out.z = z + shft.m_dZ;
+    }
+}
+
+double GeoConv::GetConv(const CSphd& sphd, const CProj& proj, CV3 llh)
+{
+    const double e2 = sphd.m_ecc2;
+    const double phi = llh.y;
+    const double s = std::sin(phi), c = std::cos(phi);
+    const double A = (llh.x - proj.m_lonOrigin) * c;
+    const double C = e2 * c * c / (1.0 - e2);
+    return s / c * (A + A * A * A / 3.0 * (1.0 + 3.0 * C));
+}

@@ -1,0 +1,66 @@
+#pragma once
+// GeoConv: stateless conversions between geographic coordinates on a
+// spheroid, Transverse Mercator grid coordinates, earth-centred cartesian
+// coordinates, and two datums by a seven-parameter shift.
+//
+// Every function works in radians and metres. Positions travel in CV3:
+//   geographic  x longitude (east +), y latitude (north +), z height (m)
+//   grid        x easting, y northing (m); z is left alone
+//   cartesian   X towards longitude 0 on the equator, Y, Z towards the
+//               north pole (m)
+// Records are used as they stand: a = m_semiMajor, b = m_semiMinor,
+// e² = m_ecc2, none derived from another; φ0, λ0, E0, N0, k0 from the CProj.
+//
+// No function allocates, none keeps state: any thread may call them at once
+// on records that nobody is changing. Non-finite input gives non-finite
+// output and never hangs an iteration.
+#include "core/platform/CV3.h"
+
+class CSphd;
+class CProj;
+class CShft;
+
+class GeoConv {
+public:
+    // Geographic to grid by the Redfearn series (Ordnance Survey arrangement,
+    // terms I-VI, meridian arc in n). Writes out.x (easting) and out.y
+    // (northing); out.z and llh.z take no part.
+    // Accuracy against the exact Transverse Mercator: better than 1 mm within
+    // 3 degrees of the central meridian at any latitude; about 1 cm at 6
+    // degrees. Beyond that the truncated series degrades quickly.
+    static void llh2enz(const CSphd& sphd, const CProj& proj, CV3 llh, CV3& enz);
+
+    // Grid to geographic (terms VII-XIIA) from a footpoint latitude found by
+    // iterating the meridian arc until the residual is under 1 mm. Writes
+    // out.x (longitude) and out.y (latitude); out.z is left alone.
+    // Round trip with llh2enz closes to better than 1e-9 rad within 3 degrees
+    // of the meridian. The iteration stops after at most 64 passes, so an
+    // absurd or non-finite grid position returns (with a meaningless or
+    // non-finite result) instead of looping.
+    static void enz2llh(const CSphd& sphd, const CProj& proj, CV3 enz, CV3& llh);
+
+    // Geographic (height in llh.z, metres above the spheroid) to cartesian.
+    // Z is taken from the ellipse through a and b, so a record whose a, b and
+    // e² disagree gives a Z that follows b. Exact to rounding.
+    static void llh2xyz(const CSphd& sphd, CV3 llh, CV3& xyz);
+
+    // Cartesian to geographic by fixed-point iteration on the latitude, to a
+    // change of at most 1e-7 rad (about 0.6 m on the ground for the last
+    // step; the result is usually far better). Uses a and e² only. Writes all
+    // three members. On the polar axis the height is not meaningful.
+    // Non-finite input returns at once with non-finite output.
+    static void xyz2llh(const CSphd& sphd, CV3 xyz, CV3& llh);
+
+    // Seven-parameter Helmert shift of cartesian coordinates (Bursa-Wolf,
+    // position-vector rotations, small-angle matrix, scale applied to the
+    // rotated vector before the translation). inverse 0: primary to
+    // secondary datum. Non-zero: the first-order reverse (rotations, scale
+    // and translation negated), which does not undo the forward exactly: the
+    // residual is of the order of rotation² and rotation·scale times the
+    // radius, a few millimetres for common shifts.
+    static void DShift(const CShft& shft, CV3 in, CV3& out, int inverse);
+
+    // Grid convergence at a geographic position, radians, positive east of
+    // the central meridian in the northern hemisphere. Infinite at a pole.
+    static double GetConv(const CSphd& sphd, const CProj& proj, CV3 llh);
+};
