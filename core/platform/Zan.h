@@ -4,6 +4,7 @@
 // Every report reaches one sink that the host installs with Zan::SetSink; the
 // default sink writes one line to stderr. Sinks are called on whichever
 // thread reports, possibly on several at once.
+#include "core/platform/CDC.h"
 #include "core/platform/CString.h"
 
 #include <functional>
@@ -44,6 +45,20 @@ public:
 
     static int zanMode;      // the host's mode word; 0 at load
     static CString projDir;  // the project folder, with its trailing separator
+
+    // Shared drawing objects of the panels, built at load. Brushes: blackB
+    // (black) and backB (the panels' dark grey background). Fonts, DejaVu
+    // Sans: normalF (12 px), largeF (14 px), boldF (12 px bold). Pen: darkL
+    // (grey rules, one pixel). txt: a 16 by 16 memory context holding the
+    // header texture (a dark grey gradient), which panels stretch over their
+    // header strips.
+    static CBrush blackB;
+    static CBrush backB;
+    static CFont normalF;
+    static CFont largeF;
+    static CFont boldF;
+    static CPen darkL;
+    static CDC txt;
 };
 
 // A value as text in the user's units.
