@@ -5,10 +5,11 @@
 // The run is borrowed, not copied: either a contiguous array of records
 // (e.g. the data of a std::vector<CSnsrGyro>) or an array of record pointers
 // (e.g. CDSArray<CSnsrGyro>::m_ppItems). Its m_time must not decrease; equal
-// stamps are allowed. The sequence keeps a cursor at the last bracket found:
-// a time at or near the previous one (pings in order) costs a few steps, any
-// other time a binary search, so no query rescans the run. Nothing here
-// allocates. A sequence belongs to one thread at a time (the cursor moves).
+// stamps are allowed. The sequence keeps a cursor at the last bracket found
+// and searches outward from it (galloping, then bisection), so a query costs
+// the log of the number of records between the previous time and this one:
+// pings in order cost a few steps, a jump anywhere a binary search, and no
+// query rescans the run. Nothing here allocates. A sequence belongs to one thread at a time (the cursor moves).
 #include "sensors/CSnsrInf.h"
 
 template <class T>
@@ -49,23 +50,34 @@ public:
     int Find(double t)
     {
         if (m_n == 0 || !(t >= Time(0))) return -1;
-        unsigned int c = m_nCur < m_n ? m_nCur : m_n - 1;
-        if (Time(c) <= t) {
-            // Forward: a few steps, then a binary search over the rest.
-            for (int k = 0; k < s_nSteps; ++k) {
-                if (c + 1 >= m_n || Time(c + 1) > t) return static_cast<int>(m_nCur = c);
-                ++c;
+        unsigned int lo = m_nCur < m_n ? m_nCur : m_n - 1;
+        unsigned int hi;
+        if (Time(lo) <= t) {
+            // Gallop forward from the cursor (1, 2, 4, ... records) until a
+            // record above t bounds the search, then bisect that stretch:
+            // the cost grows with the log of the distance moved, and the
+            // records touched stay near the cursor.
+            unsigned int step = 1;
+            for (;;) {
+                if (lo >= m_n - 1) return static_cast<int>(m_nCur = m_n - 1);
+                hi = step < m_n - lo ? lo + step : m_n;
+                if (hi == m_n || Time(hi) > t) break;
+                lo = hi;
+                step *= 2;
             }
-            c = LastAtOrBefore(t, c, m_n);
         } else {
-            for (int k = 0; k < s_nSteps && c > 0; ++k) {
-                --c;
-                if (Time(c) <= t) return static_cast<int>(m_nCur = c);
+            // The same backward; Time(0) <= t ends it.
+            hi = lo;
+            unsigned int step = 1;
+            for (;;) {
+                lo = step < hi ? hi - step : 0;
+                if (Time(lo) <= t) break;
+                hi = lo;
+                step *= 2;
             }
-            c = LastAtOrBefore(t, 0, c);
         }
-        m_nCur = c;
-        return static_cast<int>(c);
+        m_nCur = LastAtOrBefore(t, lo, hi);
+        return static_cast<int>(m_nCur);
     }
 
     // The records to interpolate t from: a the last at or before t, b the
@@ -110,10 +122,9 @@ public:
     }
 
 private:
-    static constexpr int s_nSteps = 4;
-
     double Time(unsigned int i) const { return GetAt(i)->m_time; }
-    // Last index in [lo, hi) whose time is at or before t, given Time(lo) <= t.
+    // Last index in [lo, hi) whose time is at or before t, given Time(lo) <= t
+    // and Time(hi) > t (or hi == m_n).
     unsigned int LastAtOrBefore(double t, unsigned int lo, unsigned int hi) const
     {
         // Invariant: Time(lo) <= t, and every index from hi on is above t.
