@@ -1,0 +1,261 @@
+#pragma once
+// CTgtImg: one ping's worth of sonar data with everything that belongs to it:
+// the intensity image by range (rows) and bearing (columns), the raw and
+// phase/amplitude planes it was made from, the acoustic zoom image, the
+// display images and their textures, the targets (in m_tgtRec) and
+// boundaries, and the ping's parameters (Ping()).
+//
+// All fields are public: the filter, the renderer and the host work on them
+// directly. Every pointer field is owned by the image; a byte count is 0
+// exactly when its buffer is absent. Sample buffers are row by row, row 0 the
+// nearest range line, and all of them have m_nRngs lines. The second
+// receiver's buffers (m_pQI2, m_pPhs2, m_pAmp2, m_pImg2) exist exactly when
+// the ping's m_rx2ID was non-zero when their sizing call ran, so set the
+// ping before sizing.
+//
+// Images come from GetImg and go back with DelImg: the pool keeps up to 20
+// idle ones, with their buffers, and hands them out oldest first, so a steady
+// stream of like pings allocates nothing. Nothing of an image is locked by the
+// library; m_lock is there for the host.
+//
+// This store's calls are declared here; the image arithmetic and queries and
+// the display code are further members of this class, declared below by their
+// own code and implemented in processing/ and render/.
+#include "core/CList_Ptr.h"
+#include "core/platform/CMutex.h"
+#include "core/platform/CRgb.h"
+#include "core/platform/CStatBuf.h"
+#include "core/platform/CV3.h"
+#include "core/platform/Types.h"
+#include "targets/CBnd.h"
+#include "targets/CTgtRec.h"
+
+#include <cstddef>
+#include <list>
+#include <vector>
+
+class CArchive;
+class CPing;
+
+class CTgtImg {
+public:
+    CTgtRec m_tgtRec;        // targets, the ping (Ping()) and the record's own values
+    BYTE* m_pQI;             // raw data, receiver 1: m_nRngs lines of m_nQIWidth bytes; null when absent
+    BYTE* m_pPhs;            // phase, receiver 1: m_nRngs lines of m_nPAWidth bytes
+    BYTE* m_pAmp;            // amplitude, receiver 1: as m_pPhs
+    BYTE* m_pImg;            // intensity, receiver 1: m_nRngs rows of m_nBrgs samples of m_nPixBytes bytes
+    BYTE* m_pLX;             // line records: 4 bytes a range line (u16 gain applied, 0 none; u16 carried)
+    BYTE* m_pQI2;            // as m_pQI, receiver 2
+    BYTE* m_pPhs2;           // as m_pPhs, receiver 2
+    BYTE* m_pAmp2;           // as m_pAmp, receiver 2
+    BYTE* m_pImg2;           // as m_pImg, receiver 2
+    UINT m_nCompLevel;       // compression threshold; its low byte goes to Compress. Default 8
+    std::vector<CV3> m_vStart;  // per bearing: world position of the image's near edge
+    std::vector<CV3> m_vEnd;    // per bearing: the far edge
+    std::vector<CV3> m_vDir;    // per bearing: unit vector from m_vStart to m_vEnd
+    UINT m_nBrgs;            // bearings (columns)
+    UINT m_nRngs;            // range lines (rows) of every buffer
+    UINT m_nQIWidth;         // bytes per line of m_pQI
+    UINT m_nPAWidth;         // bytes per line of each phase and amplitude buffer
+    UINT m_nStartRng;        // first sample of the span, counted from the ping
+    UINT m_nEndRng;          // sample one past the span's last line
+    UINT m_nStartBrg;        // first bearing of the span
+    UINT m_nEndBrg;          // bearing one past the span's last
+    BYTE m_bNewSize;         // 1 after Alloc, cleared when SetImgSize rebuilds the display image
+    UINT m_nImgBytes;        // bytes of m_pImg (and of m_pImg2)
+    UINT m_nQIBytes;         // bytes of m_pQI (and of m_pQI2)
+    UINT m_nPABytes;         // bytes of each phase and amplitude buffer
+    UINT m_nLXBytes;         // bytes of m_pLX
+    BYTE m_nPixBytes;        // bytes per sample of m_pImg, m_pImg2, m_pAZ. Default 1
+    CMutex m_lock;           // the host's; the library never takes it
+    UINT m_nState;           // blocks held: bit 0 raw, 1 phase/amplitude, 2 intensity, 3 compressed,
+                             // 4 targets by range/bearing, 5 targets by position, 6 vectors
+    CRgb* m_pDsp;            // display image: m_nBrgs pixels by m_nImgSize rows
+    UINT m_nImgSize;         // display rows; 0 when there is no display image
+    UINT m_nDspSkip;         // range lines on one display row, less one
+    UINT m_nDspRows;         // display rows filled
+    UINT m_nTexId;           // OpenGL texture of the display image; 0 none
+    UINT m_bTexDirty;        // non-zero: upload the display image again
+    CList_Ptr<CBnd*> m_bnds; // boundaries; the image owns the CBnd objects
+    UINT* m_pBrgBnd;         // one word per bearing, sized by Alloc, zeroed by ClearBnds; the host's meaning
+    UINT m_nBndLevel;        // default 20; copied between images, otherwise the host's
+    std::vector<CV3> m_vAux; // the host's; the library only constructs and destroys it
+    UINT m_nPoolRef;         // 1 while the image lies in s_imgPool, else 0
+    BYTE m_nRollTgt1;        // index of the target that roll compensation marks 1
+    BYTE m_nRollTgt2;        // index of the target marked 2
+    float m_fRoll;           // roll value given to every target
+    BYTE m_nRollFlags;       // travels with the three above in the extended ping block
+    CV3 m_vExPos;            // x and y travel in the extended ping block
+    BYTE* m_pAZ;             // zoom image: m_nAZRngs rows of m_nAZBrgs samples of m_nPixBytes bytes
+    UINT* m_pAZLX;           // zoom line records, m_nAZLXCount words
+    CRgb* m_pAZDsp;          // zoom display image: m_nAZBrgs pixels by m_nImgSize / 2 rows
+    UINT m_nAZSkip;          // zoom lines on one display row, less one
+    UINT m_nAZRows;          // zoom display rows filled
+    UINT m_nAZTexId;         // OpenGL texture of the zoom display image (never deleted here)
+    UINT m_nAZStartRng;      // first sample of the zoom region
+    UINT m_nAZEndRng;        // last sample of the zoom region
+    UINT m_nAZStartBrg;      // first bearing of the zoom region
+    UINT m_nAZEndBrg;        // last bearing of the zoom region, inclusive
+    UINT m_nAZBrgs;          // bearings of the zoom image
+    UINT m_nAZRngs;          // range lines of the zoom image
+    UINT m_nAZDspBrgs;       // m_nAZBrgs at the last sizing of m_pAZDsp
+    UINT m_nAZDspRngs;       // m_nAZRngs at the last sizing of m_pAZDsp
+    UINT m_nAZLXCount;       // 32-bit elements of m_pAZLX
+    UINT m_nAZBytes;         // bytes of m_pAZ
+
+    // Idle images, oldest first. Guarded by s_imgLock.
+    static std::list<CTgtImg*> s_imgPool;
+    // Guards s_imgPool; taken only by GetImg and DelImg.
+    static CMutex s_imgLock;
+    // Compression work buffer shared by every image, without a lock: compressed
+    // records go through one thread at a time. Null until first used.
+    static BYTE* s_pCompress;
+    // Bytes of s_pCompress.
+    static UINT s_compressSize;
+    // Display heights for the user: "32. Poor" 32, "64. V. Low" 64, "128. Low"
+    // 128, "256. Normal" 256, "512. High" 512, "1024. V. High" 1024,
+    // "2048. Extreme" 2048, "4096. Extreme" 4096.
+    static CStrInt s_resTypes[8];
+    // Deletes one OpenGL texture name. Installed by the drawing code, which
+    // makes it do nothing when no context is current on the calling thread;
+    // while it is null (no drawing code) the destructor deletes no texture.
+    static void (*s_pfnDeleteTexture)(UINT nTexId);
+
+    // ---- Object and pool ----
+
+    // No buffers, empty lists, the defaults of InitVars.
+    CTgtImg();
+    // A full copy of src: every block src holds, sized to it. The copy's
+    // m_pBrgBnd is zeroed (operator= copies it).
+    CTgtImg(CTgtImg& src);
+    // Releases every buffer and boundary, and deletes m_nTexId through
+    // s_pfnDeleteTexture when it is non-zero; an image that has been drawn is
+    // destroyed on the thread with the OpenGL context.
+    virtual ~CTgtImg();
+
+    // An idle image from the pool (the one given back longest ago, unchanged:
+    // buffers, sizes, ping, boundaries), or else a new one. Null only when a
+    // new image cannot be allocated. Any thread.
+    static CTgtImg* GetImg();
+    // Gives pImg back and nulls it. A pool of fewer than 20 takes it after
+    // clearing its targets and the ping's m_pBeamA and m_pBeamB; a full pool
+    // destroys it. Null does nothing. Any thread.
+    static void DelImg(CTgtImg*& pImg);
+    // Destroys the images in the pool and releases the compression buffer.
+    // Takes no lock: for the end of the program, with no other thread inside.
+    static void CleanupStatic();
+
+    // The defaults of a newly built object; frees nothing (only for
+    // construction): buffers null, sizes and counts 0, m_nPixBytes 1,
+    // m_nCompLevel 8, m_bTexDirty 1, m_nBndLevel 20.
+    void InitVars();
+    // The ping inside m_tgtRec.
+    CPing* Ping();
+    // Destroys every boundary and zeroes m_pBrgBnd (m_nBrgs words) if present.
+    void ClearBnds();
+    // Gives every target m_fRoll; the target at index m_nRollTgt1 gets marker
+    // 1, else the one at m_nRollTgt2 marker 2.
+    void UpdateTargetsWithRollCompensationData();
+
+    // Block flags: each non-zero argument sets its bit, qi 0x01, pa 0x02,
+    // img 0x04, rb 0x10, tgt 0x20 (0x08 compressed and 0x40 vectors are no
+    // argument). GetState(1,0,1,0,1) is 37.
+    static unsigned int GetState(int qi, int pa, int img, int rb, int tgt);
+    // m_nState = GetState(...): all other bits are cleared.
+    void SetState(int qi, int pa, int img, int rb, int tgt);
+    // Each argument 1 when its bit of m_nState (of state) is set, else 0.
+    void GetFlags(int& qi, int& pa, int& img, int& rb, int& tgt);
+    static void GetFlags(unsigned int state, int& qi, int& pa, int& img, int& rb, int& tgt);
+
+    // ---- Buffers ----
+    // Each sizing call takes line and byte counts; 0 in either means the
+    // buffer isn't wanted and releases it. Every one stores m_nRngs = nRngs,
+    // so the last call sets the line count of the whole image. Reusing a
+    // buffer of the same size allocates nothing.
+
+    // Intensity (m_nPixBytes * nRngs * nBrgs bytes) and per-bearing data
+    // (vectors, m_pBrgBnd). m_pImg keeps its samples when nRngs and nBrgs are
+    // unchanged, else it is zeroed; m_pImg2 is always zeroed. Sets m_bNewSize.
+    // If the heap refuses m_pImg the process ends with "Bye Bye!" (exit 1).
+    void Alloc(unsigned int nRngs, unsigned int nBrgs);
+    // Raw plane, nRngs lines of nWidth bytes, zeroed.
+    void AllocQI(unsigned int nRngs, unsigned int nWidth);
+    // Phase and amplitude, nRngs lines of nWidth bytes each, zeroed.
+    void AllocPA(unsigned int nRngs, unsigned int nWidth);
+    // Line records, nRngs of nRecBytes (the library passes 4, or 0), zeroed.
+    void AllocLX(unsigned int nRngs, unsigned int nRecBytes);
+    // Zoom image, zeroed when its byte size changes, kept otherwise.
+    // Ends the process (exit 0) if the heap refuses it.
+    void AllocAZ(unsigned int nRngs, unsigned int nBrgs);
+    // Zoom line records, nRngs * nRecWords words, zeroed when the count
+    // changes. Returns true.
+    bool AllocAZLX(unsigned int nRngs, unsigned int nRecWords);
+    // Display images: m_pDsp m_nBrgs by nHeight pixels, m_pAZDsp m_nAZBrgs by
+    // nHeight / 2. 0 releases both.
+    void SetImgSize(unsigned int nHeight);
+    // Zeroes m_pImg if present (not m_pImg2).
+    void ClearData();
+
+    // ---- Copying ----
+    // All copies assign m_tgtRec (ping and targets), copy the span, m_nPixBytes
+    // and m_nState, and set m_bTexDirty.
+
+    // The target becomes a copy of src and drops what src lacks. Sizes a block
+    // only when its shape (lines, width, m_rx2ID) differs.
+    CTgtImg& operator=(CTgtImg const& src);
+    // As operator=, but a block src doesn't hold (zero lines or width) stands.
+    void CopyPreserve(CTgtImg const& src);
+    // src's shape and header without its samples: blocks are re-sized (and
+    // so zeroed) only when their shape differs; line records, m_pBrgBnd and
+    // the zoom data are copied, boundaries are not touched.
+    void Set(CTgtImg& src);
+
+    // ---- Records ----
+
+    // Stores or loads the image record: m_tgtRec's record, the block flags
+    // (nFlags when storing, whatever m_nState says; ignored when loading,
+    // where the record's word becomes m_nState), the header, then the blocks
+    // the flags name (0x01 raw, 0x02 phase/amplitude, 0x04 intensity, 0x08
+    // with 0x04 compressed, 0x10/0x20 targets, 0x40 vectors) and the
+    // boundaries. A loader checks that the archive holds every announced
+    // block before allocating for it (CArchiveException cause 3 otherwise).
+    // Compressed blocks use s_pCompress: one thread at a time.
+    virtual void Serialize(CArchive& ar, unsigned int nFlags);
+    // The extended ping block: line records and later ping fields. Stores
+    // version 0x34 (position), or 0x21 (roll values) when Zan::zanMode is 1;
+    // loads every version and the older form, skipping fields it doesn't know.
+    void SerializePingEx(CArchive& ar);
+    // The zoom block: the ping's zoom record, then the region and m_pAZ.
+    // False, with nothing more in the stream, when the ping has no zoom region.
+    bool SerializeAcousticZoom(CArchive& ar);
+
+    // ---- Compression (see CImgRle) ----
+
+    // Encodes m_nImgBytes bytes of pSrc into pDst (room for m_nImgBytes) with
+    // threshold nLevel; returns the stream's length, at most m_nImgBytes.
+    unsigned int Compress(unsigned char* pSrc, unsigned char* pDst, unsigned char nLevel);
+    // Decodes nSize stream bytes of pSrc into pDst, at most m_nImgBytes bytes.
+    void Uncompress(unsigned char* pDst, unsigned char* pSrc, unsigned int nSize);
+
+private:
+    struct Shape;
+    Shape CopyHeader(CTgtImg const& src);
+    bool QIShapeDiffers(const Shape& old, CTgtImg const& src) const;
+    bool PAShapeDiffers(const Shape& old, CTgtImg const& src) const;
+    bool ImgShapeDiffers(const Shape& old, CTgtImg const& src) const;
+    void CopyQI(CTgtImg const& src);
+    void CopyPA(CTgtImg const& src);
+    void CopyImg(CTgtImg const& src);
+    void CopyLX(const Shape& old, CTgtImg const& src);
+    void CopyBrgBnd(CTgtImg const& src);
+    void CopyVectors(CTgtImg const& src);
+    void CopyBnds(CTgtImg const& src);
+    void CopyZoom(CTgtImg const& src, bool bFresh);
+
+    size_t m_nDspPixels;    // pixels held by m_pDsp
+    size_t m_nAZDspPixels;  // pixels held by m_pAZDsp
+
+    // Emptied pool nodes, kept so that DelImg can put an image back without
+    // allocating a list node. Guarded by s_imgLock.
+    static std::list<CTgtImg*> s_spareNodes;
+};
