@@ -63,20 +63,20 @@ public:
     // Replaces the element pointer at pos; nothing with a null pos.
     void SetAt(CZanPtr*& pos, T* elem)
     {
-        if (pos) pos->m_pElem = elem;
+        if (pos) pos->m_pElem = Raw(elem);
     }
 
     // A new node at that end, returned.
-    CZanPtr* AddHead(T* elem) { return LinkHead(elem); }
-    CZanPtr* AddTail(T* elem) { return LinkTail(elem); }
+    CZanPtr* AddHead(T* elem) { return LinkHead(Raw(elem)); }
+    CZanPtr* AddTail(T* elem) { return LinkTail(Raw(elem)); }
     // A new node behind pos, returned; at the tail when pos is null or the tail.
-    CZanPtr* InsertAfter(CZanPtr* pos, T* elem) { return LinkAfter(pos, elem); }
+    CZanPtr* InsertAfter(CZanPtr* pos, T* elem) { return LinkAfter(pos, Raw(elem)); }
     // A new node ahead of pos, returned; at the head when pos is null or the
     // head.
     CZanPtr* InsertBefore(CZanPtr* pos, T* elem)
     {
-        if (!pos || pos == m_pHead) return LinkHead(elem);
-        return LinkBefore(pos, elem);
+        if (!pos || pos == m_pHead) return LinkHead(Raw(elem));
+        return LinkBefore(pos, Raw(elem));
     }
 
     // Deletes that node and returns its element; null when empty.
@@ -118,6 +118,9 @@ public:
     }
 
 private:
+    // Nodes hold plain pointers; a list of pointers to const gives them back
+    // as such.
+    static void* Raw(T* e) { return const_cast<void*>(static_cast<const void*>(e)); }
     void Append(const CList_Ptr& src)
     {
         for (const CZanPtr* p = src.m_pHead; p; p = p->m_pNext) LinkTail(p->m_pElem);

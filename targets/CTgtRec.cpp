@@ -65,12 +65,12 @@ void CTgtRec::Serialize(CArchive& ar)
 
 void CTgtRec::SerializeRB(CArchive& ar)
 {
-    SerializeList(ar, &CTgt::SerializeRngBrg);
+    SerializeList(ar, false);
 }
 
 void CTgtRec::SerializeTgt(CArchive& ar)
 {
-    SerializeList(ar, &CTgt::SerializeTgt);
+    SerializeList(ar, true);
 }
 
 bool CTgtRec::SerializeAcousticZoom(CArchive& ar)
@@ -78,11 +78,21 @@ bool CTgtRec::SerializeAcousticZoom(CArchive& ar)
     return m_ping.SerializeAcousticZoom(ar);
 }
 
-void CTgtRec::SerializeList(CArchive& ar, TgtIo io)
+namespace {
+
+void SerializeOne(CTgt& t, CArchive& ar, bool bPos)
+{
+    if (bPos) t.SerializeTgt(ar);
+    else t.SerializeRngBrg(ar);
+}
+
+} // namespace
+
+void CTgtRec::SerializeList(CArchive& ar, bool bPos)
 {
     if (ar.IsStoring()) {
         ar << static_cast<int>(GetCount());
-        for (CZanPtr* p = m_pHead; p; p = p->m_pNext) (static_cast<CTgt*>(p->m_pElem)->*io)(ar);
+        for (CZanPtr* p = m_pHead; p; p = p->m_pNext) SerializeOne(*static_cast<CTgt*>(p->m_pElem), ar, bPos);
         return;
     }
     int n = 0;
@@ -97,7 +107,7 @@ void CTgtRec::SerializeList(CArchive& ar, TgtIo io)
             t = new CTgt;
             AddTail(t);
         }
-        (t->*io)(ar);
+        SerializeOne(*t, ar, bPos);
     }
     DeleteFrom(pos);
 }

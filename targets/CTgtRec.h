@@ -69,8 +69,9 @@ public:
     virtual bool SerializeAcousticZoom(CArchive& ar);
 
 private:
-    using TgtIo = void (CTgt::*)(CArchive&);
-    void SerializeList(CArchive& ar, TgtIo io);
+    // One target list in the position form (bPos) or the range and bearing
+    // form.
+    void SerializeList(CArchive& ar, bool bPos);
     // Deletes the target of every node from pos on, and the nodes.
     void DeleteFrom(CZanPtr* pos);
 };

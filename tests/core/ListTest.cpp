@@ -512,3 +512,15 @@ TEST(DSArray, AssignmentReusesElements)
     }
     EXPECT_EQ(Item::s_live, 0);
 }
+
+TEST(ListPtr, PointersToConst)
+{
+    const Item a(1), b(2);
+    CList_Ptr<const Item*> l;
+    l.AddTail(&a);
+    CZanPtr* pos = l.InsertBefore(l.GetHeadPos(), &b);
+    EXPECT_EQ(l.GetHead(), &b);
+    l.SetAt(pos, &a);
+    EXPECT_EQ(l.GetIndex(&a), 0);
+    EXPECT_EQ(l.Find(&b), nullptr);
+}
