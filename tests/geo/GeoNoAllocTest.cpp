@@ -22,7 +22,11 @@ void* operator new(std::size_t n)
     if (void* p = std::malloc(n ? n : 1)) return p;
     throw std::bad_alloc();
 }
+// The replacement pair is malloc and free; GCC cannot see that they match.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 void operator delete(void* p) noexcept { std::free(p); }
+#pragma GCC diagnostic pop
 void operator delete(void* p, std::size_t) noexcept { ::operator delete(p); }
 
 TEST(GeoNoAlloc, ConversionsDoNotAllocate)
