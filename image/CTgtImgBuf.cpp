@@ -303,10 +303,13 @@ void CTgtImg::CopyBrgBnd(CTgtImg const& src)
 
 void CTgtImg::CopyVectors(CTgtImg const& src)
 {
-    const size_t n = std::min<size_t>(m_nBrgs, src.m_vStart.size());
-    for (size_t i = 0; i < n && i < m_vStart.size(); ++i) m_vStart[i] = src.m_vStart[i];
-    for (size_t i = 0; i < n && i < m_vEnd.size() && i < src.m_vEnd.size(); ++i) m_vEnd[i] = src.m_vEnd[i];
-    for (size_t i = 0; i < n && i < m_vDir.size() && i < src.m_vDir.size(); ++i) m_vDir[i] = src.m_vDir[i];
+    const auto copy = [this](std::vector<CV3>& dst, const std::vector<CV3>& from) {
+        const size_t n = std::min({static_cast<size_t>(m_nBrgs), dst.size(), from.size()});
+        std::copy_n(from.begin(), n, dst.begin());
+    };
+    copy(m_vStart, src.m_vStart);
+    copy(m_vEnd, src.m_vEnd);
+    copy(m_vDir, src.m_vDir);
 }
 
 void CTgtImg::CopyBnds(CTgtImg const& src)

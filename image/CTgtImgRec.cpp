@@ -171,7 +171,22 @@ void CTgtImg::Serialize(CArchive& ar, unsigned int nFlags)
         if (nState & kVec) nNeed += 3 * sizeof(CV3) * nB;
         if (nState & kImg) nNeed += 4 + ImgBlockBytes(nState, ULONGLONG(m_nPixBytes) * nRngs * nB, bRx2);
         ar.CheckAvailable(nNeed);
-        Alloc(nRngs, nBrgs);
+        // Without an intensity block the plane that Alloc sizes has no bytes
+        // behind it in the record. It is sized as usual when that costs no
+        // new memory or the file still holds as much (the common case in a
+        // recording, where more records follow); otherwise it is left out,
+        // so a damaged line count cannot make the loader allocate what the
+        // file cannot back: the image then has its lines and bearings and no
+        // plane (m_nImgBytes 0), which m_nState says it doesn't hold anyway.
+        const ULONGLONG nPlane = ULONGLONG(m_nPixBytes) * nRngs * nB;
+        const auto cost = [&](const BYTE* p) { return p && m_nImgBytes == nPlane ? 0 : nPlane; };
+        const ULONGLONG nNew = cost(m_pImg) + (ping.m_rx2ID != 0 ? cost(m_pImg2) : 0);
+        if (!(nState & kImg) && nNew > ar.GetRemaining()) {
+            Alloc(0, nBrgs);
+            m_nRngs = nRngs;
+        } else {
+            Alloc(nRngs, nBrgs);
+        }
         // The table holds m_numBeams bearings; a record of more bearings
         // fills it and the rest is stepped over, one of fewer leaves the
         // table's tail as it was.
