@@ -1,0 +1,412 @@
+// Sample arithmetic of the 16-bit to 8-bit operations, in plain C++ and, on
+// x86-64 processors that have them, in AVX2 and AVX-512 forms chosen at run
+// time. Every form gives the same bytes.
+//
+// The vector forms reach the exact result without a division per sample:
+// - Norm16to8 is 1 + floor(254 (v - minI) / D) in whole numbers (see
+//   Stretch16to8). The quotient is estimated in single precision, whose
+//   error is below one, and put right by one comparison of the remainder.
+// - Normalise8's byte is trunc(s * G * 255 / den) in double precision. A
+//   single-precision estimate lies within 1e-4 of that double; where the
+//   estimate is further than 2e-4 from a whole number both truncate alike,
+//   and the few samples closer than that are worked out in double precision.
+#include "processing/ImgMath.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#if defined(__x86_64__) && defined(__GNUC__)
+// GCC 12's AVX-512 intrinsics start some results from a deliberately
+// undefined register, which its own warnings then flag inside the header.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#include <immintrin.h>
+#pragma GCC diagnostic pop
+#define ZAN_X86_VECTOR 1
+#endif
+
+namespace imgmath {
+
+namespace {
+
+inline unsigned Word(const BYTE* p, size_t i) { return p[2 * i] | (p[2 * i + 1] << 8); }
+
+// Distance from a whole number under which an estimate is checked in double.
+constexpr float kTol = 2e-4f;
+
+// ---------------------------------------------------------------- plain forms
+
+unsigned MaxWordPlain(const BYTE* plane, size_t n)
+{
+    unsigned m = 0;
+    for (size_t i = 0; i < n; ++i) m = std::max(m, Word(plane, i));
+    return m;
+}
+
+inline BYTE StretchOne(unsigned v, int minI, long long D)
+{
+    if (static_cast<long long>(v) < minI) return 0;
+    if (D == 0) return 1;
+    return static_cast<BYTE>(1 + 254 * (static_cast<long long>(v) - minI) / D);
+}
+
+void StretchPlain(const BYTE* src, BYTE* dst, size_t n, int minI, long long D)
+{
+    for (size_t i = 0; i < n; ++i) dst[i] = StretchOne(Word(src, i), minI, D);
+}
+
+// The byte of one sample as Normalise8's last step says.
+inline BYTE NormOne(unsigned s, double G, std::uint32_t den) { return ToByte(s * G * 255.0 / static_cast<double>(den)); }
+
+// The line and column maxima of Normalise8 (steps 2 to 5), any gain.
+struct NormStats {
+    std::vector<std::uint32_t> rowMax, colMax;
+};
+
+// Stats from the plane, sample by sample (any gain, wrapping products).
+void StatsPlain(const BYTE* src, size_t rows, size_t cols, std::uint32_t g, bool spread, bool useCols, NormStats& st)
+{
+    std::vector<std::uint32_t> rowRaw(rows, 255);
+    st.rowMax.assign(rows, 255);
+    st.colMax.assign(cols, 255);
+    for (size_t r = 0; r < rows; ++r)
+        for (size_t c = 0; c < cols; ++c) rowRaw[r] = std::max(rowRaw[r], Word(src, r * cols + c) * g / 255u);
+    for (size_t r = 0; r < rows; ++r) {
+        st.rowMax[r] = rowRaw[r];
+        if (spread) {
+            if (r >= 3) st.rowMax[r] = std::max(st.rowMax[r], rowRaw[r - 3]);
+            if (r + 3 < rows) st.rowMax[r] = std::max(st.rowMax[r], rowRaw[r + 3]);
+        }
+    }
+    if (useCols && rows > 50)
+        for (size_t r = 50; r < rows; ++r)
+            for (size_t c = 0; c < cols; ++c) st.colMax[c] = std::max(st.colMax[c], Word(src, r * cols + c) * g / 255u);
+}
+
+// With a gain of 0 to 32767 no product wraps and s * g / 255 grows with s:
+// a line's (or column's) greatest quotient is that of its greatest sample.
+// maxS holds the greatest sample of each line, colS of each column over the
+// scanned lines.
+void StatsFromMaxima(const std::vector<unsigned>& maxS, const std::vector<unsigned>& colS, std::uint32_t g, bool spread,
+                     bool useCols, NormStats& st)
+{
+    const size_t rows = maxS.size(), cols = colS.size();
+    std::vector<std::uint32_t> rowRaw(rows);
+    for (size_t r = 0; r < rows; ++r) rowRaw[r] = std::max<std::uint32_t>(255, maxS[r] * g / 255u);
+    st.rowMax.assign(rows, 255);
+    for (size_t r = 0; r < rows; ++r) {
+        st.rowMax[r] = rowRaw[r];
+        if (spread) {
+            if (r >= 3) st.rowMax[r] = std::max(st.rowMax[r], rowRaw[r - 3]);
+            if (r + 3 < rows) st.rowMax[r] = std::max(st.rowMax[r], rowRaw[r + 3]);
+        }
+    }
+    st.colMax.assign(cols, 255);
+    if (useCols && rows > 50)
+        for (size_t c = 0; c < cols; ++c) st.colMax[c] = std::max<std::uint32_t>(255, colS[c] * g / 255u);
+}
+
+void NormOutPlain(const BYTE* src, BYTE* dst, size_t rows, size_t cols, double G, const NormStats& st)
+{
+    for (size_t r = 0; r < rows; ++r)
+        for (size_t c = 0; c < cols; ++c)
+            dst[r * cols + c] = NormOne(Word(src, r * cols + c), G, std::max(st.rowMax[r], st.colMax[c]));
+}
+
+#ifdef ZAN_X86_VECTOR
+
+// ---------------------------------------------------------------- AVX2 forms
+
+__attribute__((target("avx2"))) unsigned MaxWordAvx2(const BYTE* p, size_t n)
+{
+    __m256i acc = _mm256_setzero_si256();
+    size_t i = 0;
+    for (; i + 16 <= n; i += 16)
+        acc = _mm256_max_epu16(acc, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 2 * i)));
+    alignas(32) unsigned short lanes[16];
+    _mm256_store_si256(reinterpret_cast<__m256i*>(lanes), acc);
+    unsigned m = 0;
+    for (unsigned short v : lanes) m = std::max<unsigned>(m, v);
+    for (; i < n; ++i) m = std::max(m, Word(p, i));
+    return m;
+}
+
+// Eight 32-bit lanes to eight bytes, keeping the low bits.
+__attribute__((target("avx2"))) inline void Store8(BYTE* dst, __m256i v)
+{
+    v = _mm256_and_si256(v, _mm256_set1_epi32(0xFF));
+    const __m128i w = _mm_packus_epi32(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
+    const __m128i b = _mm_packus_epi16(w, w);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(dst), b);
+}
+
+__attribute__((target("avx2"))) void StretchAvx2(const BYTE* src, BYTE* dst, size_t n, int minI, long long D)
+{
+    const __m256i vmin = _mm256_set1_epi32(minI), vD = _mm256_set1_epi32(static_cast<int>(D));
+    const __m256i k254 = _mm256_set1_epi32(254), one = _mm256_set1_epi32(1);
+    const __m256 rcp = _mm256_set1_ps(1.0f / static_cast<float>(D));
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        const __m256i v = _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src + 2 * i)));
+        const __m256i x = _mm256_sub_epi32(v, vmin);
+        const __m256i below = _mm256_cmpgt_epi32(_mm256_setzero_si256(), x);
+        const __m256i N = _mm256_mullo_epi32(x, k254);
+        __m256i q = _mm256_cvttps_epi32(_mm256_mul_ps(_mm256_cvtepi32_ps(N), rcp));
+        const __m256i r = _mm256_sub_epi32(N, _mm256_mullo_epi32(q, vD));
+        q = _mm256_sub_epi32(q, _mm256_cmpgt_epi32(r, _mm256_sub_epi32(vD, one)));  // r >= D: one more
+        q = _mm256_add_epi32(q, _mm256_cmpgt_epi32(_mm256_setzero_si256(), r));    // r < 0: one less
+        Store8(dst + i, _mm256_andnot_si256(below, _mm256_add_epi32(q, one)));
+    }
+    for (; i < n; ++i) dst[i] = StretchOne(Word(src, i), minI, D);
+}
+
+// Line and column maxima of the samples (gain 0 to 32767).
+__attribute__((target("avx2"))) void MaximaAvx2(const BYTE* src, size_t rows, size_t cols, bool useCols,
+                                                 std::vector<unsigned>& maxS, std::vector<unsigned>& colS)
+{
+    maxS.assign(rows, 0);
+    std::vector<unsigned short> col(cols, 0);
+    for (size_t r = 0; r < rows; ++r) {
+        const BYTE* row = src + 2 * r * cols;
+        const bool scan = useCols && rows > 50 && r >= 50;
+        __m256i acc = _mm256_setzero_si256();
+        size_t c = 0;
+        for (; c + 16 <= cols; c += 16) {
+            const __m256i w = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + 2 * c));
+            acc = _mm256_max_epu16(acc, w);
+            if (scan) {
+                __m256i* cp = reinterpret_cast<__m256i*>(col.data() + c);
+                _mm256_storeu_si256(cp, _mm256_max_epu16(_mm256_loadu_si256(cp), w));
+            }
+        }
+        alignas(32) unsigned short lanes[16];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(lanes), acc);
+        unsigned m = 0;
+        for (unsigned short v : lanes) m = std::max<unsigned>(m, v);
+        for (; c < cols; ++c) {
+            const unsigned w = Word(row, c);
+            m = std::max(m, w);
+            if (scan) col[c] = static_cast<unsigned short>(std::max<unsigned>(col[c], w));
+        }
+        maxS[r] = m;
+    }
+    colS.assign(col.begin(), col.end());
+}
+
+__attribute__((target("avx2"))) void NormOutAvx2(const BYTE* src, BYTE* dst, size_t rows, size_t cols, double G,
+                                                  const NormStats& st, bool useCols)
+{
+    const float G255 = static_cast<float>(G * 255.0);
+    std::vector<float> rcpCol(cols);
+    for (size_t c = 0; c < cols; ++c) rcpCol[c] = 1.0f / static_cast<float>(st.colMax[c]);
+    const __m256 lo = _mm256_set1_ps(kTol), hi = _mm256_set1_ps(1.0f - kTol), vG = _mm256_set1_ps(G255);
+    for (size_t r = 0; r < rows; ++r) {
+        const BYTE* row = src + 2 * r * cols;
+        BYTE* out = dst + r * cols;
+        const __m256 rcpRow = _mm256_set1_ps(1.0f / static_cast<float>(st.rowMax[r]));
+        const __m256 kRow = _mm256_mul_ps(vG, rcpRow);
+        size_t c = 0;
+        for (; c + 8 <= cols; c += 8) {
+            const __m256i s = _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 2 * c)));
+            const __m256 K = useCols ? _mm256_mul_ps(vG, _mm256_min_ps(rcpRow, _mm256_loadu_ps(rcpCol.data() + c))) : kRow;
+            const __m256 q = _mm256_mul_ps(_mm256_cvtepi32_ps(s), K);
+            const __m256i t = _mm256_cvttps_epi32(q);
+            const __m256 fr = _mm256_sub_ps(q, _mm256_cvtepi32_ps(t));
+            const __m256 near = _mm256_or_ps(_mm256_cmp_ps(fr, lo, _CMP_LT_OQ), _mm256_cmp_ps(fr, hi, _CMP_GT_OQ));
+            Store8(out + c, t);
+            int bad = _mm256_movemask_ps(near);
+            if (bad) {
+                const int zero = _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpeq_epi32(s, _mm256_setzero_si256())));
+                for (bad &= ~zero; bad; bad &= bad - 1) {
+                    const size_t j = c + static_cast<size_t>(__builtin_ctz(static_cast<unsigned>(bad)));
+                    out[j] = NormOne(Word(row, j), G, std::max(st.rowMax[r], st.colMax[j]));
+                }
+            }
+        }
+        for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, std::max(st.rowMax[r], st.colMax[c]));
+    }
+}
+
+// ---------------------------------------------------------------- AVX-512 forms
+
+#define ZAN_AVX512 __attribute__((target("avx512f,avx512bw,avx512vl,avx512dq")))
+
+ZAN_AVX512 unsigned MaxWordAvx512(const BYTE* p, size_t n)
+{
+    __m512i acc = _mm512_setzero_si512();
+    size_t i = 0;
+    for (; i + 32 <= n; i += 32) acc = _mm512_max_epu16(acc, _mm512_loadu_si512(p + 2 * i));
+    const __m512i wide = _mm512_max_epu32(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(acc)),
+                                          _mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(acc, 1)));
+    unsigned m = _mm512_reduce_max_epu32(wide);
+    for (; i < n; ++i) m = std::max(m, Word(p, i));
+    return m;
+}
+
+ZAN_AVX512 void StretchAvx512(const BYTE* src, BYTE* dst, size_t n, int minI, long long D)
+{
+    const __m512i vmin = _mm512_set1_epi32(minI), vD = _mm512_set1_epi32(static_cast<int>(D));
+    const __m512i k254 = _mm512_set1_epi32(254), one = _mm512_set1_epi32(1), zero = _mm512_setzero_si512();
+    const __m512 rcp = _mm512_set1_ps(1.0f / static_cast<float>(D));
+    size_t i = 0;
+    for (; i + 16 <= n; i += 16) {
+        const __m512i v = _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + 2 * i)));
+        const __m512i x = _mm512_sub_epi32(v, vmin);
+        const __mmask16 keep = _mm512_cmpge_epi32_mask(x, zero);
+        const __m512i N = _mm512_mullo_epi32(x, k254);
+        __m512i q = _mm512_cvttps_epi32(_mm512_mul_ps(_mm512_cvtepi32_ps(N), rcp));
+        const __m512i r = _mm512_sub_epi32(N, _mm512_mullo_epi32(q, vD));
+        q = _mm512_mask_add_epi32(q, _mm512_cmpge_epi32_mask(r, vD), q, one);
+        q = _mm512_mask_sub_epi32(q, _mm512_cmplt_epi32_mask(r, zero), q, one);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + i), _mm512_cvtepi32_epi8(_mm512_maskz_add_epi32(keep, q, one)));
+    }
+    for (; i < n; ++i) dst[i] = StretchOne(Word(src, i), minI, D);
+}
+
+ZAN_AVX512 void MaximaAvx512(const BYTE* src, size_t rows, size_t cols, bool useCols, std::vector<unsigned>& maxS,
+                             std::vector<unsigned>& colS)
+{
+    maxS.assign(rows, 0);
+    std::vector<unsigned short> col(cols, 0);
+    for (size_t r = 0; r < rows; ++r) {
+        const BYTE* row = src + 2 * r * cols;
+        const bool scan = useCols && rows > 50 && r >= 50;
+        __m512i acc = _mm512_setzero_si512();
+        size_t c = 0;
+        for (; c + 32 <= cols; c += 32) {
+            const __m512i w = _mm512_loadu_si512(row + 2 * c);
+            acc = _mm512_max_epu16(acc, w);
+            if (scan) _mm512_storeu_si512(col.data() + c, _mm512_max_epu16(_mm512_loadu_si512(col.data() + c), w));
+        }
+        const __m512i wide = _mm512_max_epu32(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(acc)),
+                                              _mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(acc, 1)));
+        unsigned m = _mm512_reduce_max_epu32(wide);
+        for (; c < cols; ++c) {
+            const unsigned w = Word(row, c);
+            m = std::max(m, w);
+            if (scan) col[c] = static_cast<unsigned short>(std::max<unsigned>(col[c], w));
+        }
+        maxS[r] = m;
+    }
+    colS.assign(col.begin(), col.end());
+}
+
+ZAN_AVX512 void NormOutAvx512(const BYTE* src, BYTE* dst, size_t rows, size_t cols, double G, const NormStats& st,
+                              bool useCols)
+{
+    const float G255 = static_cast<float>(G * 255.0);
+    std::vector<float> rcpCol(cols);
+    for (size_t c = 0; c < cols; ++c) rcpCol[c] = 1.0f / static_cast<float>(st.colMax[c]);
+    const __m512 lo = _mm512_set1_ps(kTol), hi = _mm512_set1_ps(1.0f - kTol), vG = _mm512_set1_ps(G255);
+    for (size_t r = 0; r < rows; ++r) {
+        const BYTE* row = src + 2 * r * cols;
+        BYTE* out = dst + r * cols;
+        const __m512 rcpRow = _mm512_set1_ps(1.0f / static_cast<float>(st.rowMax[r]));
+        const __m512 kRow = _mm512_mul_ps(vG, rcpRow);
+        size_t c = 0;
+        for (; c + 16 <= cols; c += 16) {
+            const __m512i s = _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + 2 * c)));
+            const __m512 K = useCols ? _mm512_mul_ps(vG, _mm512_min_ps(rcpRow, _mm512_loadu_ps(rcpCol.data() + c))) : kRow;
+            const __m512 q = _mm512_mul_ps(_mm512_cvtepi32_ps(s), K);
+            const __m512i t = _mm512_cvttps_epi32(q);
+            const __m512 fr = _mm512_sub_ps(q, _mm512_cvtepi32_ps(t));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + c), _mm512_cvtepi32_epi8(t));
+            unsigned bad = static_cast<unsigned>(_mm512_cmp_ps_mask(fr, lo, _CMP_LT_OQ) | _mm512_cmp_ps_mask(fr, hi, _CMP_GT_OQ)) &
+                           _mm512_test_epi32_mask(s, s);
+            for (; bad; bad &= bad - 1) {
+                const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
+                out[j] = NormOne(Word(row, j), G, std::max(st.rowMax[r], st.colMax[j]));
+            }
+        }
+        for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, std::max(st.rowMax[r], st.colMax[c]));
+    }
+}
+
+#endif  // ZAN_X86_VECTOR
+
+int DetectLevel()
+{
+#ifdef ZAN_X86_VECTOR
+    __builtin_cpu_init();
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl") &&
+        __builtin_cpu_supports("avx512dq"))
+        return kAvx512;
+    if (__builtin_cpu_supports("avx2")) return kAvx2;
+#endif
+    return kPlain;
+}
+
+const int s_best = DetectLevel();
+std::atomic<int> s_level{-1};  // -1: the best the processor has
+
+int CurrentLevel()
+{
+    const int forced = s_level.load(std::memory_order_relaxed);
+    return forced < 0 ? s_best : std::min(forced, s_best);
+}
+
+}  // namespace
+
+int BestLevel() { return s_best; }
+void ForceLevel(int level) { s_level.store(level, std::memory_order_relaxed); }
+
+unsigned MaxWord(const BYTE* plane, size_t n)
+{
+#ifdef ZAN_X86_VECTOR
+    switch (CurrentLevel()) {
+    case kAvx512: return MaxWordAvx512(plane, n);
+    case kAvx2: return MaxWordAvx2(plane, n);
+    default: break;
+    }
+#endif
+    return MaxWordPlain(plane, n);
+}
+
+void Stretch16to8(const BYTE* src, BYTE* dst, size_t n, int minI, unsigned maxI)
+{
+    // With N = 254 * (v - minI) and D = maxI - minI whole numbers below 2^26,
+    // the double quotient N / D is within 1e-13 of the exact one while a
+    // quotient that isn't whole lies at least 1 / D > 1e-5 from the next
+    // whole number: trunc(1 + N / D) is exactly 1 + N / D in whole numbers.
+    const long long D = static_cast<long long>(maxI) - minI;
+#ifdef ZAN_X86_VECTOR
+    if (D > 0) {
+        switch (CurrentLevel()) {
+        case kAvx512: StretchAvx512(src, dst, n, minI, D); return;
+        case kAvx2: StretchAvx2(src, dst, n, minI, D); return;
+        default: break;
+        }
+    }
+#endif
+    StretchPlain(src, dst, n, minI, D);
+}
+
+void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain, bool spread, bool useCols)
+{
+    const std::uint32_t g = static_cast<std::uint32_t>(static_cast<std::int32_t>(gain));
+    const double G = static_cast<double>(g) / 255.0;
+    NormStats st;
+    const int level = CurrentLevel();
+#ifdef ZAN_X86_VECTOR
+    // The vector forms need products that don't wrap (gain 0 to 32767).
+    if (gain >= 0 && level != kPlain) {
+        std::vector<unsigned> maxS, colS;
+        if (level == kAvx512) MaximaAvx512(src, rows, cols, useCols, maxS, colS);
+        else MaximaAvx2(src, rows, cols, useCols, maxS, colS);
+        StatsFromMaxima(maxS, colS, g, spread, useCols, st);
+        const bool anyCol = useCols && rows > 50;
+        if (level == kAvx512) NormOutAvx512(src, dst, rows, cols, G, st, anyCol);
+        else NormOutAvx2(src, dst, rows, cols, G, st, anyCol);
+        return;
+    }
+#endif
+    (void)level;
+    StatsPlain(src, rows, cols, g, spread, useCols, st);
+    NormOutPlain(src, dst, rows, cols, G, st);
+}
+
+}  // namespace imgmath
