@@ -237,6 +237,78 @@ public:
     // Decodes nSize stream bytes of pSrc into pDst, at most m_nImgBytes bytes.
     void Uncompress(unsigned char* pDst, unsigned char* pSrc, unsigned int nSize);
 
+    // ---- Image arithmetic (processing/CTgtImgArith.cpp) ----
+    // All run on the caller's thread; the host keeps the image still meanwhile.
+    // A float value goes to a sample by truncation and keeps its low bits.
+    // The gain g is the ping's m_bfGain, as an unsigned 32-bit number.
+
+    // Divides each 16-bit sample of m_pQI (rows m_nBrgs samples apart) by the
+    // greater of its line's and, with useCols, its column's strongest echo:
+    // s * g * 65535.0 / den, den at least 65535; the line maxima spread to
+    // lines r - 1 and r + 1 when the ping's m_nrmSpread is set, the column
+    // maxima come from lines 0 to m_nRngs - 51 and only when m_nRngs > 50.
+    // Nothing happens without lines, width or plane, or when m_nBrgs samples
+    // a line don't fit m_nQIWidth.
+    void Normalise16(int useCols);
+    // The same from m_pQI into m_pImg (Alloc(m_nRngs, m_nQIWidth / 2); m_pQI
+    // stays): values compared s * g / 255 (whole numbers), floor 255, spread
+    // to lines r - 3 and r + 3, columns from lines 50 on; the byte is
+    // s * (g / 255.0) * 255.0 / den.
+    void Normalise8(int useCols);
+    // Linear stretch of the raw plane, taken as one run of m_nQIBytes / 2
+    // samples, into m_pImg (Alloc(m_nRngs, m_nQIWidth / 2)): minI is m_bfGain
+    // but at most 255 (a negative gain stands), maxI the plane's greatest
+    // sample; 0 below minI, 1 when maxI equals minI, else
+    // 1 + 254 * (v - minI) / (maxI - minI). Reports status 6030 "MinI:%u MaxI:%u".
+    // The argument isn't used.
+    void Norm16to8(double);
+    // Phase and amplitude of the quadrature pairs of m_pQI into m_pPhs and
+    // m_pAmp (AllocPA(m_nRngs, elements of the ping's Rx1 row)): Q and I the
+    // signed bytes at bits 8-15 and 24-31 of each 32-bit sample (GenPA16) or
+    // bits 0-7 and 8-15 of each 16-bit sample (GenPA8), divided by 255.0;
+    // amplitude sqrt(I^2 + Q^2) * m_bfGain, at most 1.0, times 255.99; phase
+    // atan2(Q, I) in 0 to 2 pi times 255 / 2 pi (GenPA16) or times 255.99 / pi,
+    // low 8 bits (GenPA8). Only whole samples that m_pQI holds are used.
+    void GenPA16();
+    void GenPA8();
+    // Pixel arithmetic with another image, s this image's sample and o the
+    // other's. The 8-bit forms first take other's shape (Set(other)); the
+    // 16-bit forms walk m_pQI as far as both planes reach. Nothing happens
+    // when either image has no samples.
+    // s - o * f, at least 0.
+    void SubImg(CTgtImg& other, double f);
+    // The greater of s * f and o: echoes decay by f and are renewed.
+    void PstImg(CTgtImg& other, double f);
+    // s * (1 - f) + o * f: a running average.
+    void AccImg(CTgtImg& other, double f);
+    void SubImg16(CTgtImg& other, double f);
+    void PstImg16(CTgtImg& other, double f);
+    void AccImg16(CTgtImg& other, double f);
+    // sqrt(s / 255.0) * 255.0 on m_pImg.
+    void RootImg();
+    // (s / 255.0)^2 * 255.0 on m_pImg.
+    void SqrImg();
+    // s * f, at most 255.0, on m_pImg.
+    void Scale(double f);
+
+    // ---- Queries (processing/CTgtImgQuery.cpp) ----
+
+    // The sample nearest rng (metres) and brg (radians): the line
+    // floor(rng / m + 0.5), m = m_sosXd * 0.5 / m_modFreq of the ping, and the
+    // bearing of the window m_nStartBrg..m_nEndBrg - 1 whose table entry is
+    // nearest (at equal distance the greater bearing; the table may rise or
+    // fall). A bearing outside the fan gives the edge. True, with both indices
+    // written, only when the line lies in m_nStartRng..m_nEndRng - 1; false
+    // when m is not above 0, the ping has no bearing table, or the window is
+    // empty or runs past the table.
+    bool GetRngBrg(double rng, double brg, int& rngIdx, int& brgIdx);
+    // The strongest level in dB of the square of half width win round the
+    // sample (cut to the span): 20 log10(v / gain * 0.015625) limited to
+    // -84.0 .. 12.0, gain the line's recorded gain (first word of its m_pLX
+    // record; 1 when absent or 0), -84.0 for a sample of 0 (64 is 0 dB).
+    // 0.0 without m_pImg, outside the span, or unless the ping's m_gainMode is 1.
+    double GetIntensityDB(int rngIdx, int brgIdx, int win);
+
 private:
     struct Shape;
     Shape CopyHeader(CTgtImg const& src);
