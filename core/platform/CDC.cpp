@@ -50,7 +50,6 @@ CString OneLine(const CString& text)
 struct CDC::Impl {
     cairo_surface_t* surf = nullptr;
     cairo_t* cr = nullptr;
-    PangoContext* pango = nullptr;
     CBrush* brush = &s_defBrush;
     CFont* font = &s_defFont;
     CPen* pen = &s_defPen;
@@ -60,22 +59,10 @@ struct CDC::Impl {
     CPoint org;
     CPoint cur;
 
-    Impl()
-    {
-        pango = pango_font_map_create_context(pango_cairo_font_map_get_default());
-        // Grey-level text without hinting: the same pixels whatever the
-        // desktop's font settings.
-        cairo_font_options_t* fo = cairo_font_options_create();
-        cairo_font_options_set_antialias(fo, CAIRO_ANTIALIAS_GRAY);
-        cairo_font_options_set_hint_style(fo, CAIRO_HINT_STYLE_NONE);
-        cairo_font_options_set_hint_metrics(fo, CAIRO_HINT_METRICS_OFF);
-        pango_cairo_context_set_font_options(pango, fo);
-        cairo_font_options_destroy(fo);
-    }
+    Impl() = default;
     ~Impl()
     {
         Drop();
-        g_object_unref(pango);
     }
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
@@ -119,11 +106,41 @@ struct CDC::Impl {
         cairo_fill(cr);
     }
 
+    // Text needs a Pango context: one per thread, as Pango's font map is,
+    // made on first use, so contexts that never draw text (and the library's
+    // load) don't start the font system.
+    static PangoContext* Pango()
+    {
+        struct Ctx {
+            PangoContext* p = nullptr;
+            ~Ctx()
+            {
+                if (p) g_object_unref(p);
+            }
+        };
+        thread_local Ctx ctx;
+        if (!ctx.p) {
+            ctx.p = pango_font_map_create_context(pango_cairo_font_map_get_default());
+            // Grey-level text without hinting: the same pixels whatever the
+            // desktop's font settings.
+            cairo_font_options_t* fo = cairo_font_options_create();
+            cairo_font_options_set_antialias(fo, CAIRO_ANTIALIAS_GRAY);
+            cairo_font_options_set_hint_style(fo, CAIRO_HINT_STYLE_NONE);
+            cairo_font_options_set_hint_metrics(fo, CAIRO_HINT_METRICS_OFF);
+            pango_cairo_context_set_font_options(ctx.p, fo);
+            cairo_font_options_destroy(fo);
+        }
+        return ctx.p;
+    }
+
     // A layout of `text` in the selected font.
     PangoLayout* Layout(const CString& text)
     {
-        if (cr) pango_cairo_update_context(cr, pango);
-        PangoLayout* l = pango_layout_new(pango);
+        PangoContext* ctx = Pango();
+        // The context follows this surface's transformation (or none).
+        if (cr) pango_cairo_update_context(cr, ctx);
+        else if (pango_context_get_matrix(ctx)) pango_context_set_matrix(ctx, nullptr);
+        PangoLayout* l = pango_layout_new(ctx);
         PangoFontDescription* d = pango_font_description_new();
         pango_font_description_set_family(d, font->m_strFace.Utf8().c_str());
         pango_font_description_set_absolute_size(d, std::abs(font->m_nHeight ? font->m_nHeight : 12) * PANGO_SCALE);
