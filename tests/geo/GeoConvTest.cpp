@@ -276,3 +276,66 @@ TEST(GeoConvConvergence, SignAndSize)
     EXPECT_NEAR(g, std::tan(phi) * (A + A * A * A / 3.0 * (1.0 + 3.0 * C)), 1e-15);
     EXPECT_DOUBLE_EQ(GeoConv::GetConv(sphd, proj, CV3(proj.m_lonOrigin - dl, -phi, 0.0)), g);
 }
+
+namespace {
+
+// The footpoint iteration and inverse series written out literally, with
+// sin and cos called on every argument: the reference for the library's
+// faster evaluation of the same arithmetic.
+CV3 LiteralInverse(const CSphd& sp, const CProj& pr, const CV3& enz)
+{
+    const double a = sp.m_semiMajor, b = sp.m_semiMinor, e2 = sp.m_ecc2, k0 = pr.m_scale;
+    const double n = (a - b) / (a + b), p0 = pr.m_latOrigin;
+    auto M = [&](double p) {
+        return b * k0 *
+               ((1 + n + 5.0 / 4 * n * n + 5.0 / 4 * n * n * n) * (p - p0) -
+                (3 * n + 3 * n * n + 21.0 / 8 * n * n * n) * std::sin(p - p0) * std::cos(p + p0) +
+                (15.0 / 8 * n * n + 15.0 / 8 * n * n * n) * std::sin(2 * (p - p0)) * std::cos(2 * (p + p0)) -
+                35.0 / 24 * n * n * n * std::sin(3 * (p - p0)) * std::cos(3 * (p + p0)));
+    };
+    double phi = (enz.y - pr.m_falseNorth) / (a * k0) + p0;
+    for (;;) {
+        const double r = enz.y - pr.m_falseNorth - M(phi);
+        phi += r / (a * k0);
+        if (std::fabs(r) < 0.001) break;
+    }
+    const double s = std::sin(phi), c = std::cos(phi);
+    const double w = 1 - e2 * s * s, nu = a * k0 / std::sqrt(w), rho = (1 - e2) * nu / w, eta2 = nu / rho - 1;
+    const double t = s / c, sec = 1 / c, d = enz.x - pr.m_falseEast;
+    const double t2 = t * t, t4 = t2 * t2, t6 = t4 * t2;
+    CV3 out;
+    out.y = phi - t / (2 * rho * nu) * std::pow(d, 2) +
+            t / (24 * rho * std::pow(nu, 3)) * (5 + 3 * t2 + eta2 - 9 * t2 * eta2) * std::pow(d, 4) -
+            t / (720 * rho * std::pow(nu, 5)) * (61 + 90 * t2 + 45 * t4) * std::pow(d, 6);
+    out.x = pr.m_lonOrigin + sec / nu * d - sec / (6 * std::pow(nu, 3)) * (nu / rho + 2 * t2) * std::pow(d, 3) +
+            sec / (120 * std::pow(nu, 5)) * (5 + 28 * t2 + 24 * t4) * std::pow(d, 5) -
+            sec / (5040 * std::pow(nu, 7)) * (61 + 662 * t2 + 1320 * t4 + 720 * t6) * std::pow(d, 7);
+    return out;
+}
+
+} // namespace
+
+TEST(GeoConvTm, InverseAgreesWithTheLiteralIterationToRounding)
+{
+    double worst = 0.0;
+    for (const CSphd& sphd : {Wgs84(), CSphd()}) {
+        for (double lat0 : {0.0, 49.0, -33.0}) {
+            CProj proj = Utm(33);
+            proj.m_latOrigin = lat0 * ML::d2r;
+            // Grid positions of the usable area, pole regions excluded
+            // where the series themselves have no meaning.
+            for (double lat = -84.0; lat <= 84.0; lat += 1.7) {
+                for (double off : {-3.5, -2.0, -0.3, 0.0, 1.1, 2.9}) {
+                    CV3 enz;
+                    GeoConv::llh2enz(sphd, proj, CV3(proj.m_lonOrigin + off * ML::d2r, lat * ML::d2r, 0.0), enz);
+                    CV3 got;
+                    GeoConv::enz2llh(sphd, proj, enz, got);
+                    const CV3 want = LiteralInverse(sphd, proj, enz);
+                    worst = std::max({worst, std::fabs(got.x - want.x), std::fabs(got.y - want.y)});
+                }
+            }
+        }
+    }
+    std::printf("[ worst    ] TM inverse against the literal iteration: %.3e rad\n", worst);
+    EXPECT_LT(worst, 1e-14);
+}
