@@ -83,6 +83,8 @@ int Demo(const std::string& outDir)
 }
 } // namespace
 
+void AddGeoCommand(CLI::App& app);  // GeoCommand.cpp
+
 int main(int argc, char** argv)
 {
     CLI::App app{"zanrec: synthesise, record, inspect and draw multibeam sonar pings with ZanData"};
@@ -90,6 +92,7 @@ int main(int argc, char** argv)
     std::string out = "out/demo";
     auto* demo = app.add_subcommand("demo", "run the whole road of a ping on a synthetic survey");
     demo->add_option("--out", out, "folder for the recording and pictures");
+    AddGeoCommand(app);
     CLI11_PARSE(app, argc, argv);
     if (*demo) return Demo(out);
     return 0;
