@@ -45,7 +45,7 @@ public:
 
     // Static text; align 0 left, 1 centred, 2 right.
     CZText* InsText(int width, const CString& text, int align = 0, CZFlex* flex = nullptr);
-    // A numeric field (any kind but 256 and 512 gives one) on v.
+    // A numeric field on v (kind 64; a double always gets one).
     CZCtrl* InsCtrl(int width, int kind, double& v, CZFlex* flex = nullptr);
     // kind 256: a check box, its text the control's m_strLabel; kind 512: an
     // index combo box (a CZCombo); else a numeric field holding whole numbers.
