@@ -34,8 +34,10 @@ public:
     // mark has no room and the decoder does not need it, so a 1-byte image
     // round-trips like any other.
     //
-    // One pass, no allocation; 16 samples at a time where the CPU has SSE2.
-    // The output is byte for byte that of a sample-by-sample encoder.
+    // One pass, no allocation; eight samples a step through a table of their
+    // codes where the CPU has SSSE3, one at a time elsewhere. The output is
+    // byte for byte that of a sample-by-sample encoder. pDst may be written
+    // past the stream's end, never past n.
     static unsigned int Encode(const BYTE* pSrc, BYTE* pDst, unsigned int n, BYTE nLevel);
 
     // Decodes nSize stream bytes from pSrc into pDst, writing at most n
@@ -50,7 +52,7 @@ public:
     // stepped over the byte would lose the sample and shift the rest of the
     // image by one, so the pair is read as two codes like any other.
     //
-    // Byte for byte the result of a code-by-code decoder, 16 bytes at a time
-    // on SSE2.
+    // Byte for byte the result of a code-by-code decoder (bytes of pDst past
+    // the decoded samples included), sixteen stream bytes a step on x86.
     static void Decode(BYTE* pDst, const BYTE* pSrc, unsigned int nSize, unsigned int n);
 };

@@ -158,6 +158,9 @@ void CTgtImg::Serialize(CArchive& ar, unsigned int nFlags)
     m_nState = nState;
     ar >> m_nPixBytes >> nRngs >> m_nStartBrg >> m_nEndBrg >> m_nStartRng >> m_nEndRng >> nRx2;
     const bool bRx2 = nRx2 != 0;
+    // Twins are sized by the ping and read by the record's word; a check
+    // covers the larger of the two, should they disagree.
+    const bool bTwins = bRx2 || ping.m_rx2ID != 0;
     ping.m_startRngL = static_cast<int>(m_nStartRng);
     ping.m_endRngL = static_cast<int>(m_nEndRng);
     ping.m_startRngM = static_cast<float>(m_nStartRng * 0.5 * ping.m_sosXd / ping.m_modFreq);
@@ -169,7 +172,7 @@ void CTgtImg::Serialize(CArchive& ar, unsigned int nFlags)
         const ULONGLONG nB = nBrgs;
         ULONGLONG nNeed = 8 * nB;
         if (nState & kVec) nNeed += 3 * sizeof(CV3) * nB;
-        if (nState & kImg) nNeed += 4 + ImgBlockBytes(nState, ULONGLONG(m_nPixBytes) * nRngs * nB, bRx2);
+        if (nState & kImg) nNeed += 4 + ImgBlockBytes(nState, ULONGLONG(m_nPixBytes) * nRngs * nB, bTwins);
         ar.CheckAvailable(nNeed);
         // Without an intensity block the plane that Alloc sizes has no bytes
         // behind it in the record. It is sized as usual when that costs no
@@ -207,7 +210,7 @@ void CTgtImg::Serialize(CArchive& ar, unsigned int nFlags)
     if (nState & kRaw) {
         UINT nWidth = 0;
         ar >> nWidth;
-        ar.CheckAvailable(ULONGLONG(nRngs) * nWidth * (bRx2 ? 2 : 1));
+        ar.CheckAvailable(ULONGLONG(nRngs) * nWidth * (bTwins ? 2 : 1));
         AllocQI(nRngs, nWidth);
         if (m_nQIBytes != 0) {
             ReadBlock(ar, m_pQI, m_nQIBytes);
@@ -217,7 +220,7 @@ void CTgtImg::Serialize(CArchive& ar, unsigned int nFlags)
     if (nState & kPA) {
         UINT nWidth = 0;
         ar >> nWidth;
-        ar.CheckAvailable(ULONGLONG(nRngs) * nWidth * (bRx2 ? 4 : 2));
+        ar.CheckAvailable(ULONGLONG(nRngs) * nWidth * (bTwins ? 4 : 2));
         AllocPA(nRngs, nWidth);
         if (m_nPABytes != 0) {
             ReadBlock(ar, m_pPhs, m_nPABytes);
@@ -231,7 +234,7 @@ void CTgtImg::Serialize(CArchive& ar, unsigned int nFlags)
     if (nState & kImg) {
         UINT nImgBrgs = 0;
         ar >> nImgBrgs;
-        ar.CheckAvailable(ImgBlockBytes(nState, ULONGLONG(m_nPixBytes) * nRngs * nImgBrgs, bRx2));
+        ar.CheckAvailable(ImgBlockBytes(nState, ULONGLONG(m_nPixBytes) * nRngs * nImgBrgs, bTwins));
         Alloc(nRngs, nImgBrgs);
         if (m_nImgBytes != 0 && !(nState & kComp)) {
             ReadBlock(ar, m_pImg, m_nImgBytes);
