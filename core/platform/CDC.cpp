@@ -1,5 +1,7 @@
 #include "core/platform/CDC.h"
 
+#include "render/CPngWriter.h"
+
 #include <cairo.h>
 #include <pango/pangocairo.h>
 
@@ -7,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 #include <utility>
 
 namespace {
@@ -503,6 +506,9 @@ void CDC::GetRGBA(CRgb* dst) const
 BOOL CDC::SavePng(const CString& path) const
 {
     if (!m_p->surf) return FALSE;
-    cairo_surface_flush(m_p->surf);
-    return cairo_surface_write_to_png(m_p->surf, path.Utf8().c_str()) == CAIRO_STATUS_SUCCESS;
+    // Through the library's one PNG writer, so panels and display images
+    // come out alike.
+    std::vector<CRgb> rgba(static_cast<std::size_t>(Width()) * Height());
+    GetRGBA(rgba.data());
+    return CPngWriter::Write(path, rgba.data(), Width(), Height()) ? TRUE : FALSE;
 }

@@ -202,8 +202,9 @@ public:
     // The surface as Width() x Height() RGBA pixels, rows top first, into
     // `dst` (which must hold that many). Alpha is 255 where painted opaque.
     void GetRGBA(CRgb* dst) const;
-    // Writes the surface as a PNG file (RGBA, 8 bits a channel). FALSE when
-    // there is no surface or the file can't be written.
+    // Writes the surface as a PNG file (RGBA, 8 bits a channel, through
+    // CPngWriter). FALSE when there is no surface or the file can't be
+    // written.
     BOOL SavePng(const CString& path) const;
 
 private:
