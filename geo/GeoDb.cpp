@@ -161,7 +161,12 @@ void Geo::ReadDb(const CString& path)
         return;
     }
     char16_t line[kLineChars];
-    while (file.ReadString(line, kLineChars)) MergeDbLine(line);
+    try {
+        while (file.ReadString(line, kLineChars)) MergeDbLine(line);
+    } catch (const CFileException&) {
+        // A read error ends the file, as the end of the file would: what was
+        // merged stays.
+    }
     file.Close();
 }
 
@@ -198,14 +203,20 @@ void Geo::WriteDb(const CString& path)
         Zan::Console(0, u"Geo: Unable to open %s", path);
         return;
     }
-    DbLines(
-        [](void* ctx, const CString& line) {
-            auto* f = static_cast<CStdioFile*>(ctx);
-            f->WriteString(line);
-            f->WriteString(u"\n");
-        },
-        &file);
-    file.Close();
+    try {
+        DbLines(
+            [](void* ctx, const CString& line) {
+                auto* f = static_cast<CStdioFile*>(ctx);
+                f->WriteString(line);
+                f->WriteString(u"\n");
+            },
+            &file);
+        file.Close();
+    } catch (const CFileException&) {
+        // A full disk or a lost device: the library reports, it doesn't throw.
+        file.Abort();
+        Zan::Console(0, u"Geo: Unable to open %s", path);
+    }
 }
 
 void Geo::ClearDb()

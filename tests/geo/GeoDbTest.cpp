@@ -194,6 +194,16 @@ TEST_F(GeoDb, MissingOrUnwritableFileIsReportedAndChangesNothing)
     EXPECT_EQ(Geo::sphds.GetCount(), 1);
 }
 
+TEST_F(GeoDb, WriteErrorIsReportedNotThrown)
+{
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full here";
+    Geo::sphds.AddTail(new CSphd);
+    CConsole con;
+    EXPECT_NO_THROW(Geo::WriteDb(u"/dev/full"));
+    ASSERT_EQ(con.m_lines.size(), 1u);
+    EXPECT_EQ(con.m_lines[0], "Geo: Unable to open /dev/full");
+}
+
 TEST_F(GeoDb, EmptyOrCommentOnlyFilesLeaveTheListsAlone)
 {
     CScratch dir;

@@ -336,7 +336,7 @@ TEST_F(GeoState, DamagedCountRaisesBeforeAllocating)
     for (int i = 0; i < 4; ++i) PutF64(cut, 1.0);
     PutStr(cut, "B");
     for (int i = 0; i < 4; ++i) PutF64(cut, 1.0);
-    cut.resize(cut.size() - 3);
+    cut.erase(cut.end() - 3, cut.end());  // cut inside the last number
     cause = -1;
     try {
         CLoader in(cut);
