@@ -311,7 +311,10 @@ void CTgtImg::SerializePingEx(CArchive& ar)
         ar >> left;
         if (left >= 12) {
             ar >> nCount >> nRecBytes >> ping.m_swGainRamp >> ping.m_rngDecim;
-            if (ping.m_rngDecim != 0) ping.m_baseMF = ping.m_rngDecim * ping.m_modFreq;
+            // The 32-bit product wraps, as on the recording's platform: a
+            // damaged rate gives a wrong rate, not an overflow.
+            if (ping.m_rngDecim != 0)
+                ping.m_baseMF = static_cast<int>(UINT(ping.m_rngDecim) * static_cast<UINT>(ping.m_modFreq));
             left -= 12;
         }
         if (left >= 4) {

@@ -45,6 +45,9 @@ CString CSnsrPos::GetDegString(double value, const char16_t* hemi)
 {
     const double v = std::fabs(value);
     const char16_t letter = hemi ? hemi[value < 0.0 ? 1 : 0] : u'?';
+    // Degrees that no int holds (a damaged record's NaN or 1e20) are shown
+    // whole, without minutes and seconds to split off.
+    if (!(v < 2147483647.0)) return CString::Fmt(u"%.0lf\u00B0%02d\"%06.3lf'%c", v, 0, 0.0, letter);
     int deg = static_cast<int>(std::floor(v));
     int min = static_cast<int>(std::floor((v - deg) * 60.0));
     double sec = (v - (min / 60.0 + deg)) * 3600.0;

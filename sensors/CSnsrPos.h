@@ -38,7 +38,9 @@ public:
     // of 0 and above, the second for negative ones (e.g. "NS", "EW"). Seconds
     // of 59.9995 or more carry into the minutes, 60 minutes into the degrees,
     // so the text never shows 60 seconds or minutes. Seconds are exact to the
-    // double arithmetic (about 1e-9 s for angles below 360).
+    // double arithmetic (about 1e-9 s for angles below 360). An angle of 2^31
+    // degrees or more, or NaN, shows its whole degrees with zero minutes and
+    // seconds ("nan°00"00.000'N").
     static CString GetDegString(double value, const char16_t* hemi);
     static CString GetDegString(double value, const char* hemi);
     static CString GetDegString(double value, const wchar_t* hemi);

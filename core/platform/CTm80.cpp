@@ -25,6 +25,15 @@ CString FormatTm(const std::tm& tm, const CString& fmt)
     out.resize(n);
     return CString::FromUtf8(out);
 }
+
+// Whole seconds as a time_t. A time beyond what time_t holds (a damaged
+// record's NaN or 1e300) reads as the epoch rather than overflowing.
+std::time_t ToTimeT(double t)
+{
+    const double s = std::floor(t);
+    return s > -9.0e18 && s < 9.0e18 ? static_cast<std::time_t>(s) : 0;
+}
+
 } // namespace
 
 void CTm80::SetTime(int year, int month, int day, int hour, int minute, int second, double fraction)
@@ -35,7 +44,7 @@ void CTm80::SetTime(int year, int month, int day, int hour, int minute, int seco
 
 CString CTm80::Format(const CString& fmt) const
 {
-    const std::time_t t = static_cast<std::time_t>(std::floor(m_t));
+    const std::time_t t = ToTimeT(m_t);
     std::tm tm {};
     localtime_r(&t, &tm);
     return FormatTm(tm, fmt);
@@ -43,7 +52,7 @@ CString CTm80::Format(const CString& fmt) const
 
 CString CTm80::FormatGmt(const CString& fmt) const
 {
-    const std::time_t t = static_cast<std::time_t>(std::floor(m_t));
+    const std::time_t t = ToTimeT(m_t);
     std::tm tm {};
     gmtime_r(&t, &tm);
     return FormatTm(tm, fmt);

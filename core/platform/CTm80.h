@@ -20,6 +20,8 @@ public:
     void SetTime(int year, int month, int day, int hour, int minute, int second, double fraction);
     // strftime-style text (%d %m %Y %H %M %S and the others of strftime); the
     // first by local time, the second by UTC. Other characters stand as they are.
+    // A time that is not finite or lies beyond time_t's range is taken as the
+    // epoch.
     CString Format(const CString& fmt) const;
     CString FormatGmt(const CString& fmt) const;
     // The current time.

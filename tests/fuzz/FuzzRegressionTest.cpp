@@ -1,0 +1,110 @@
+// Faults that fuzzing found, each as a plain test of the fixed behaviour. The
+// inputs that found them stay in fuzz/corpus (see CorpusReplayTest).
+#include <zandata/ZanData.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<BYTE>;
+
+template <class T>
+void Le(Bytes& b, T v)
+{
+    BYTE tmp[sizeof(T)];
+    std::memcpy(tmp, &v, sizeof(T));
+    b.insert(b.end(), tmp, tmp + sizeof(T));
+}
+
+template <class F>
+void LoadFrom(Bytes b, F&& read)
+{
+    CMemFile f(b.data(), static_cast<UINT>(b.size()));
+    CArchive ar(&f, CArchive::load);
+    read(ar);
+}
+
+// An extended ping block of version 0x34 with a 12-byte header: no line
+// records, and the decimation given.
+Bytes PingExWithDecim(WORD nDecim)
+{
+    Bytes b;
+    Le<UINT>(b, 0);
+    Le<UINT>(b, 0x34);
+    Le<UINT>(b, 12);
+    Le<UINT>(b, 0);  // count
+    Le<UINT>(b, 4);  // recBytes
+    Le<WORD>(b, 0);  // m_swGainRamp
+    Le<WORD>(b, nDecim);
+    return b;
+}
+
+// The base rate is the 32-bit product of decimation and rate. A damaged rate
+// made it overflow a signed int (undefined behaviour); it now wraps as the
+// recording's platform computes it.
+TEST(FuzzRegression, PingExBaseRateWrapsInsteadOfOverflowing)
+{
+    CTgtImg img;
+    img.Ping()->m_modFreq = 25000;
+    LoadFrom(PingExWithDecim(4), [&](CArchive& ar) { img.SerializePingEx(ar); });
+    EXPECT_EQ(img.Ping()->m_baseMF, 100000);
+
+    img.Ping()->m_modFreq = std::numeric_limits<int>::max();
+    LoadFrom(PingExWithDecim(0xFFFF), [&](CArchive& ar) { img.SerializePingEx(ar); });
+    const auto wrapped = static_cast<std::uint32_t>(std::uint64_t{0xFFFF} * 0x7FFFFFFFu);
+    EXPECT_EQ(img.Ping()->m_baseMF, static_cast<int>(wrapped));
+
+    img.Ping()->m_modFreq = -25000;
+    LoadFrom(PingExWithDecim(3), [&](CArchive& ar) { img.SerializePingEx(ar); });
+    EXPECT_EQ(img.Ping()->m_baseMF, -75000);
+}
+
+// A time record whose seconds are NaN or far beyond any calendar: its text
+// converted the time to time_t unchecked (undefined behaviour). Such a time
+// now shows as the epoch.
+TEST(FuzzRegression, TimeTextOfADamagedTimeIsTheEpoch)
+{
+    const CString fmt(u"%d/%m/%Y %H:%M:%S");
+    for (double t : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300, -1e19})
+        EXPECT_EQ(CTm80(t).FormatGmt(fmt).Utf8(), "01/01/1970 00:00:00") << t;
+    EXPECT_EQ(CTm80(1419503400.0).FormatGmt(fmt).Utf8(), "25/12/2014 10:30:00");
+    EXPECT_EQ(CTm80(-1.5).FormatGmt(fmt).Utf8(), "31/12/1969 23:59:58");
+
+    // The record as the fuzzer found it: a CSnsrTime whose time is a NaN.
+    Bytes rec{7, 1};
+    Le<BYTE>(rec, 0);  // empty narrow m_raw
+    Le<WORD>(rec, 0);
+    Le<double>(rec, 0.0);
+    Le<double>(rec, std::nan(""));
+    Le<BYTE>(rec, 2);
+    Le<BYTE>(rec, 30);
+    std::unique_ptr<CSnsrInf> p(CSnsrInf::Create(CSnsrInf::tTime));
+    LoadFrom(rec, [&](CArchive& ar) { p->Serialize(ar); });
+    EXPECT_EQ(p->GetString(0).Utf8(), "1970/01/01 00:00:00......., 2-30");
+}
+
+// A position record with a longitude of some 1e22 degrees: its text cast
+// the degrees to int unchecked (undefined behaviour). Degrees beyond an int
+// now show whole, with zero minutes and seconds.
+TEST(FuzzRegression, PositionTextOfDegreesBeyondAnInt)
+{
+    EXPECT_EQ(CSnsrPos::GetDegString(1e22, u"EW").Utf8(), "10000000000000000000000\u00B000\"00.000'E");
+    EXPECT_EQ(CSnsrPos::GetDegString(-HUGE_VAL, u"EW").Utf8(), "inf\u00B000\"00.000'W");
+    EXPECT_EQ(CSnsrPos::GetDegString(std::nan(""), u"NS").Utf8(), "nan\u00B000\"00.000'N");
+    EXPECT_EQ(CSnsrPos::GetDegString(2147483648.0, u"NS").Utf8(), "2147483648\u00B000\"00.000'N");
+    // The largest angles that still split as usual.
+    EXPECT_EQ(CSnsrPos::GetDegString(2147483646.5, u"NS").Utf8(), "2147483646\u00B030\"00.000'N");
+    EXPECT_EQ(CSnsrPos::GetDegString(-0.5, u"EW").Utf8(), "00\u00B030\"00.000'W");
+
+    CSnsrPos pos;
+    pos.m_geo = CV3(1e22, 45.5, 0.0);
+    EXPECT_EQ(pos.GetString(0).Utf8(), "45\u00B030\"00.000'N, 10000000000000000000000\u00B000\"00.000'E");
+}
+
+}  // namespace
