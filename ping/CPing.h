@@ -17,6 +17,7 @@
 #include "ping/CFtSet.h"
 
 class CArchive;
+class CZSetObj;
 
 class CPing {
 public:
@@ -234,6 +235,27 @@ public:
     // reads the body of that version. Returns true when a switched-on region
     // body went through, false when the region is off.
     bool SerializeAcousticZoom(CArchive& ar);
+
+    // ---- Settings ----
+
+    // Ties the ping's parameters to the items of a settings object, one call
+    // for both directions (CZSetObj::IsStoring / IsLoading): "PingID",
+    // "Active", "HalfArr", "StartRngL", "EndRngL", "StartRngM", "EndRngM",
+    // "ScanRate", "TxLength", "ModFreq", "Shading", "PingDelay",
+    // "PingRateDesired", "PingFlags", "MainGain", "AutoGain", "AutoXdGain",
+    // "GainBlank", "AdcInput", "SpreadGain", "AbsorbGain", "bfInXd",
+    // "bfType", "bfFocus", "bfGain", "bfBits", "bfGenPA", "bfRng",
+    // "Aperture", "DataType", "bfRng" again (16 bits, see CPingSettings.cpp),
+    // "FocusTbl", "TxStart", "TxLen", "TxRadius", "TxRng", "RX1_ID",
+    // "RX2_ID", "TX1_ID", "TX2_ID", "RLEEnable", "RLELevel", "BaseGain",
+    // "FocusMode", "FilterBank", "SamChannel", "SamRow", "DisableOOW",
+    // "SWGainRamp", "Trigger", "PercentGain", "GainAssist", "TxSrcLevel",
+    // "BaseMF", "NumBeams", each with the type of its field. No value is
+    // range-checked. Loading takes the beam count through SetNumBeams (a
+    // missing key, 0 or the present count leaves the buffers alone) and
+    // derives nothing else: m_rlTime is not refreshed from "ModFreq".
+    // Storing leaves the ping unchanged.
+    void Settings(CZSetObj& set);
 
 private:
     // sos / (N * m_freq * m_pitch) of the receive row, in double precision.
