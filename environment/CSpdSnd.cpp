@@ -93,7 +93,10 @@ void CSpdSnd::OnSnsrMsg(int, void* pRec)
 {
     const auto* rec = static_cast<const CSnsrInf*>(pRec);
     if (!rec || rec->m_type != kSosType || rec->m_bank != static_cast<BYTE>(m_bank)) return;
-    m_stat.SetValue(static_cast<const CSnsrSOS*>(rec)->m_sos);
+    // A record that claims the type without being of its class has no speed.
+    const auto* sos = dynamic_cast<const CSnsrSOS*>(rec);
+    if (!sos) return;
+    m_stat.SetValue(sos->m_sos);
     if (m_useManual || !m_live) return;
 
     const double avg = m_stat.GetAvg();
