@@ -143,8 +143,8 @@ void GeoConv::enz2llh(const CSphd& sphd, const CProj& proj, CV3 enz, CV3& llh)
     double s = std::sin(phi), c = std::cos(phi);
     double r = dN - arc(phi, s, c);
     int pass = 1;
-    for (; std::fabs(r) * invAk0 >= 1e-4 && pass < kMaxPasses; ++pass) {
-        // |r| is hundreds of metres here, so this is never the last pass.
+    for (; std::fabs(r) * invAk0 >= 1e-4 && std::fabs(r) >= 0.001 && pass < kMaxPasses; ++pass) {
+        // Not the last pass: its residual is not under 1 mm.
         const double d = r * invAk0;
         phi += d;
         Rotate(d, s, c);
