@@ -87,29 +87,6 @@ void StatsPlain(const BYTE* src, size_t rows, size_t cols, std::uint32_t g, bool
             for (size_t c = 0; c < cols; ++c) st.colMax[c] = std::max(st.colMax[c], Word(src, r * cols + c) * g / 255u);
 }
 
-// With a gain of 0 to 32767 no product wraps and s * g / 255 grows with s:
-// a line's (or column's) greatest quotient is that of its greatest sample.
-// maxS holds the greatest sample of each line, colS of each column over the
-// scanned lines.
-void StatsFromMaxima(const std::vector<unsigned>& maxS, const std::vector<unsigned>& colS, std::uint32_t g, bool spread,
-                     bool useCols, NormStats& st)
-{
-    const size_t rows = maxS.size(), cols = colS.size();
-    std::vector<std::uint32_t> rowRaw(rows);
-    for (size_t r = 0; r < rows; ++r) rowRaw[r] = std::max<std::uint32_t>(255, maxS[r] * g / 255u);
-    st.rowMax.assign(rows, 255);
-    for (size_t r = 0; r < rows; ++r) {
-        st.rowMax[r] = rowRaw[r];
-        if (spread) {
-            if (r >= 3) st.rowMax[r] = std::max(st.rowMax[r], rowRaw[r - 3]);
-            if (r + 3 < rows) st.rowMax[r] = std::max(st.rowMax[r], rowRaw[r + 3]);
-        }
-    }
-    st.colMax.assign(cols, 255);
-    if (useCols && rows > 50)
-        for (size_t c = 0; c < cols; ++c) st.colMax[c] = std::max<std::uint32_t>(255, colS[c] * g / 255u);
-}
-
 void NormOutPlain(const BYTE* src, BYTE* dst, size_t rows, size_t cols, double G, const NormStats& st)
 {
     for (size_t r = 0; r < rows; ++r)
@@ -164,71 +141,56 @@ __attribute__((target("avx2"))) void StretchAvx2(const BYTE* src, BYTE* dst, siz
     for (; i < n; ++i) dst[i] = StretchOne(Word(src, i), minI, D);
 }
 
-// Line and column maxima of the samples (gain 0 to 32767).
-__attribute__((target("avx2"))) void MaximaAvx2(const BYTE* src, size_t rows, size_t cols, bool useCols,
-                                                 std::vector<unsigned>& maxS, std::vector<unsigned>& colS)
+// The greatest sample of a line; with col, also each column's greatest so far.
+__attribute__((target("avx2"))) unsigned RowMaxAvx2(const BYTE* row, size_t cols, unsigned short* col)
 {
-    maxS.assign(rows, 0);
-    std::vector<unsigned short> col(cols, 0);
-    for (size_t r = 0; r < rows; ++r) {
-        const BYTE* row = src + 2 * r * cols;
-        const bool scan = useCols && rows > 50 && r >= 50;
-        __m256i acc = _mm256_setzero_si256();
-        size_t c = 0;
-        for (; c + 16 <= cols; c += 16) {
-            const __m256i w = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + 2 * c));
-            acc = _mm256_max_epu16(acc, w);
-            if (scan) {
-                __m256i* cp = reinterpret_cast<__m256i*>(col.data() + c);
-                _mm256_storeu_si256(cp, _mm256_max_epu16(_mm256_loadu_si256(cp), w));
-            }
+    __m256i acc = _mm256_setzero_si256();
+    size_t c = 0;
+    for (; c + 16 <= cols; c += 16) {
+        const __m256i w = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + 2 * c));
+        acc = _mm256_max_epu16(acc, w);
+        if (col) {
+            __m256i* cp = reinterpret_cast<__m256i*>(col + c);
+            _mm256_storeu_si256(cp, _mm256_max_epu16(_mm256_loadu_si256(cp), w));
         }
-        alignas(32) unsigned short lanes[16];
-        _mm256_store_si256(reinterpret_cast<__m256i*>(lanes), acc);
-        unsigned m = 0;
-        for (unsigned short v : lanes) m = std::max<unsigned>(m, v);
-        for (; c < cols; ++c) {
-            const unsigned w = Word(row, c);
-            m = std::max(m, w);
-            if (scan) col[c] = static_cast<unsigned short>(std::max<unsigned>(col[c], w));
-        }
-        maxS[r] = m;
     }
-    colS.assign(col.begin(), col.end());
+    alignas(32) unsigned short lanes[16];
+    _mm256_store_si256(reinterpret_cast<__m256i*>(lanes), acc);
+    unsigned m = 0;
+    for (unsigned short v : lanes) m = std::max<unsigned>(m, v);
+    for (; c < cols; ++c) {
+        const unsigned w = Word(row, c);
+        m = std::max(m, w);
+        if (col) col[c] = static_cast<unsigned short>(std::max<unsigned>(col[c], w));
+    }
+    return m;
 }
 
-__attribute__((target("avx2"))) void NormOutAvx2(const BYTE* src, BYTE* dst, size_t rows, size_t cols, double G,
-                                                  const NormStats& st, bool useCols)
+// One line of Normalise8's bytes. colMax and rcpCol are null when no column
+// maximum counts.
+__attribute__((target("avx2"))) void NormRowAvx2(const BYTE* row, BYTE* out, size_t cols, double G,
+                                                  std::uint32_t rowMax, const std::uint32_t* colMax, const float* rcpCol)
 {
-    const float G255 = static_cast<float>(G * 255.0);
-    std::vector<float> rcpCol(cols);
-    for (size_t c = 0; c < cols; ++c) rcpCol[c] = 1.0f / static_cast<float>(st.colMax[c]);
-    const __m256 lo = _mm256_set1_ps(kTol), hi = _mm256_set1_ps(1.0f - kTol), vG = _mm256_set1_ps(G255);
-    for (size_t r = 0; r < rows; ++r) {
-        const BYTE* row = src + 2 * r * cols;
-        BYTE* out = dst + r * cols;
-        const __m256 rcpRow = _mm256_set1_ps(1.0f / static_cast<float>(st.rowMax[r]));
-        const __m256 kRow = _mm256_mul_ps(vG, rcpRow);
-        size_t c = 0;
-        for (; c + 8 <= cols; c += 8) {
-            const __m256i s = _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 2 * c)));
-            const __m256 K = useCols ? _mm256_mul_ps(vG, _mm256_min_ps(rcpRow, _mm256_loadu_ps(rcpCol.data() + c))) : kRow;
-            const __m256 q = _mm256_mul_ps(_mm256_cvtepi32_ps(s), K);
-            const __m256i t = _mm256_cvttps_epi32(q);
-            const __m256 fr = _mm256_sub_ps(q, _mm256_cvtepi32_ps(t));
-            const __m256 near = _mm256_or_ps(_mm256_cmp_ps(fr, lo, _CMP_LT_OQ), _mm256_cmp_ps(fr, hi, _CMP_GT_OQ));
-            Store8(out + c, t);
-            int bad = _mm256_movemask_ps(near);
-            if (bad) {
-                const int zero = _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpeq_epi32(s, _mm256_setzero_si256())));
-                for (bad &= ~zero; bad; bad &= bad - 1) {
-                    const size_t j = c + static_cast<size_t>(__builtin_ctz(static_cast<unsigned>(bad)));
-                    out[j] = NormOne(Word(row, j), G, std::max(st.rowMax[r], st.colMax[j]));
-                }
-            }
+    const __m256 tol = _mm256_set1_ps(kTol), vG = _mm256_set1_ps(static_cast<float>(G * 255.0));
+    const __m256 rcpRow = _mm256_set1_ps(1.0f / static_cast<float>(rowMax));
+    const __m256 kRow = _mm256_mul_ps(vG, rcpRow);
+    size_t c = 0;
+    for (; c + 8 <= cols; c += 8) {
+        const __m256i s = _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 2 * c)));
+        const __m256 K = rcpCol ? _mm256_mul_ps(vG, _mm256_min_ps(rcpRow, _mm256_loadu_ps(rcpCol + c))) : kRow;
+        const __m256 q = _mm256_mul_ps(_mm256_cvtepi32_ps(s), K);
+        // trunc(q - tol) and trunc(q + tol) agree exactly when q is at least
+        // tol from a whole number (a sample of 0 gives 0 and 0).
+        const __m256i t = _mm256_cvttps_epi32(_mm256_sub_ps(q, tol));
+        const __m256i u = _mm256_cvttps_epi32(_mm256_add_ps(q, tol));
+        Store8(out + c, t);
+        int bad = _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpeq_epi32(t, u))) ^ 0xFF;
+        for (; bad; bad &= bad - 1) {
+            const size_t j = c + static_cast<size_t>(__builtin_ctz(static_cast<unsigned>(bad)));
+            out[j] = NormOne(Word(row, j), G, colMax ? std::max(rowMax, colMax[j]) : rowMax);
         }
-        for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, std::max(st.rowMax[r], st.colMax[c]));
     }
+    for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, colMax ? std::max(rowMax, colMax[c]) : rowMax);
 }
 
 // ---------------------------------------------------------------- AVX-512 forms
@@ -267,63 +229,72 @@ ZAN_AVX512 void StretchAvx512(const BYTE* src, BYTE* dst, size_t n, int minI, lo
     for (; i < n; ++i) dst[i] = StretchOne(Word(src, i), minI, D);
 }
 
-ZAN_AVX512 void MaximaAvx512(const BYTE* src, size_t rows, size_t cols, bool useCols, std::vector<unsigned>& maxS,
-                             std::vector<unsigned>& colS)
+// The common case, 0 <= minI and 255 <= D <= 65535, in 16-bit lanes:
+// floor(254 x / D) = floor(x M / 2^32) with M = ceil(254 2^32 / D), for
+// every x below 2^16. (M / 2^32 exceeds 254 / D by less than 2^-32, so x M /
+// 2^32 exceeds 254 x / D by less than 2^-16 <= 1 / D, while the fraction of
+// 254 x / D is at most 1 - 1 / D.) The 48-bit product is taken in 16-bit
+// pieces: x Mhi 2^16 + x Mlo, of which only the high half of x Mlo counts.
+ZAN_AVX512 void StretchWordsAvx512(const BYTE* src, BYTE* dst, size_t n, int minI, long long D)
 {
-    maxS.assign(rows, 0);
-    std::vector<unsigned short> col(cols, 0);
-    for (size_t r = 0; r < rows; ++r) {
-        const BYTE* row = src + 2 * r * cols;
-        const bool scan = useCols && rows > 50 && r >= 50;
-        __m512i acc = _mm512_setzero_si512();
-        size_t c = 0;
-        for (; c + 32 <= cols; c += 32) {
-            const __m512i w = _mm512_loadu_si512(row + 2 * c);
-            acc = _mm512_max_epu16(acc, w);
-            if (scan) _mm512_storeu_si512(col.data() + c, _mm512_max_epu16(_mm512_loadu_si512(col.data() + c), w));
-        }
-        const __m512i wide = _mm512_max_epu32(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(acc)),
-                                              _mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(acc, 1)));
-        unsigned m = _mm512_reduce_max_epu32(wide);
-        for (; c < cols; ++c) {
-            const unsigned w = Word(row, c);
-            m = std::max(m, w);
-            if (scan) col[c] = static_cast<unsigned short>(std::max<unsigned>(col[c], w));
-        }
-        maxS[r] = m;
+    const std::uint64_t M = ((254ull << 32) + static_cast<std::uint64_t>(D) - 1) / static_cast<std::uint64_t>(D);
+    const __m512i mhi = _mm512_set1_epi16(static_cast<short>(M >> 16));
+    const __m512i mlo = _mm512_set1_epi16(static_cast<short>(M & 0xFFFF));
+    const __m512i vmin = _mm512_set1_epi16(static_cast<short>(minI)), one = _mm512_set1_epi16(1);
+    size_t i = 0;
+    for (; i + 32 <= n; i += 32) {
+        const __m512i v = _mm512_loadu_si512(src + 2 * i);
+        const __mmask32 keep = _mm512_cmpge_epu16_mask(v, vmin);
+        const __m512i x = _mm512_subs_epu16(v, vmin);
+        const __m512i hiA = _mm512_mulhi_epu16(x, mhi), loA = _mm512_mullo_epi16(x, mhi);
+        const __m512i sum = _mm512_add_epi16(loA, _mm512_mulhi_epu16(x, mlo));
+        const __m512i q = _mm512_mask_add_epi16(hiA, _mm512_cmplt_epu16_mask(sum, loA), hiA, one);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i), _mm512_cvtepi16_epi8(_mm512_maskz_add_epi16(keep, q, one)));
     }
-    colS.assign(col.begin(), col.end());
+    for (; i < n; ++i) dst[i] = StretchOne(Word(src, i), minI, D);
 }
 
-ZAN_AVX512 void NormOutAvx512(const BYTE* src, BYTE* dst, size_t rows, size_t cols, double G, const NormStats& st,
-                              bool useCols)
+ZAN_AVX512 unsigned RowMaxAvx512(const BYTE* row, size_t cols, unsigned short* col)
 {
-    const float G255 = static_cast<float>(G * 255.0);
-    std::vector<float> rcpCol(cols);
-    for (size_t c = 0; c < cols; ++c) rcpCol[c] = 1.0f / static_cast<float>(st.colMax[c]);
-    const __m512 lo = _mm512_set1_ps(kTol), hi = _mm512_set1_ps(1.0f - kTol), vG = _mm512_set1_ps(G255);
-    for (size_t r = 0; r < rows; ++r) {
-        const BYTE* row = src + 2 * r * cols;
-        BYTE* out = dst + r * cols;
-        const __m512 rcpRow = _mm512_set1_ps(1.0f / static_cast<float>(st.rowMax[r]));
-        const __m512 kRow = _mm512_mul_ps(vG, rcpRow);
-        size_t c = 0;
-        for (; c + 16 <= cols; c += 16) {
-            const __m512i s = _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + 2 * c)));
-            const __m512 K = useCols ? _mm512_mul_ps(vG, _mm512_min_ps(rcpRow, _mm512_loadu_ps(rcpCol.data() + c))) : kRow;
-            const __m512 q = _mm512_mul_ps(_mm512_cvtepi32_ps(s), K);
-            const __m512i t = _mm512_cvttps_epi32(q);
-            const __m512 fr = _mm512_sub_ps(q, _mm512_cvtepi32_ps(t));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + c), _mm512_cvtepi32_epi8(t));
-            unsigned bad = static_cast<unsigned>(_mm512_cmp_ps_mask(fr, lo, _CMP_LT_OQ) | _mm512_cmp_ps_mask(fr, hi, _CMP_GT_OQ)) &
-                           _mm512_test_epi32_mask(s, s);
-            for (; bad; bad &= bad - 1) {
-                const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
-                out[j] = NormOne(Word(row, j), G, std::max(st.rowMax[r], st.colMax[j]));
-            }
-        }
-        for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, std::max(st.rowMax[r], st.colMax[c]));
+    __m512i acc = _mm512_setzero_si512();
+    size_t c = 0;
+    for (; c + 32 <= cols; c += 32) {
+        const __m512i w = _mm512_loadu_si512(row + 2 * c);
+        acc = _mm512_max_epu16(acc, w);
+        if (col) _mm512_storeu_si512(col + c, _mm512_max_epu16(_mm512_loadu_si512(col + c), w));
     }
+    const __m512i wide = _mm512_max_epu32(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(acc)),
+                                          _mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(acc, 1)));
+    unsigned m = _mm512_reduce_max_epu32(wide);
+    for (; c < cols; ++c) {
+        const unsigned w = Word(row, c);
+        m = std::max(m, w);
+        if (col) col[c] = static_cast<unsigned short>(std::max<unsigned>(col[c], w));
+    }
+    return m;
+}
+
+ZAN_AVX512 void NormRowAvx512(const BYTE* row, BYTE* out, size_t cols, double G, std::uint32_t rowMax,
+                              const std::uint32_t* colMax, const float* rcpCol)
+{
+    const __m512 tol = _mm512_set1_ps(kTol), vG = _mm512_set1_ps(static_cast<float>(G * 255.0));
+    const __m512 rcpRow = _mm512_set1_ps(1.0f / static_cast<float>(rowMax));
+    const __m512 kRow = _mm512_mul_ps(vG, rcpRow);
+    size_t c = 0;
+    for (; c + 16 <= cols; c += 16) {
+        const __m512i s = _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + 2 * c)));
+        const __m512 K = rcpCol ? _mm512_mul_ps(vG, _mm512_min_ps(rcpRow, _mm512_loadu_ps(rcpCol + c))) : kRow;
+        const __m512 q = _mm512_mul_ps(_mm512_cvtepi32_ps(s), K);
+        // As in the AVX2 form: the two truncations differ only near a whole number.
+        const __m512i t = _mm512_cvttps_epi32(_mm512_sub_ps(q, tol));
+        const __m512i u = _mm512_cvttps_epi32(_mm512_add_ps(q, tol));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + c), _mm512_cvtepi32_epi8(t));
+        for (unsigned bad = _mm512_cmpneq_epi32_mask(t, u); bad; bad &= bad - 1) {
+            const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
+            out[j] = NormOne(Word(row, j), G, colMax ? std::max(rowMax, colMax[j]) : rowMax);
+        }
+    }
+    for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, colMax ? std::max(rowMax, colMax[c]) : rowMax);
 }
 
 #endif  // ZAN_X86_VECTOR
@@ -376,7 +347,10 @@ void Stretch16to8(const BYTE* src, BYTE* dst, size_t n, int minI, unsigned maxI)
 #ifdef ZAN_X86_VECTOR
     if (D > 0) {
         switch (CurrentLevel()) {
-        case kAvx512: StretchAvx512(src, dst, n, minI, D); return;
+        case kAvx512:
+            if (minI >= 0 && D >= 255 && D <= 65535) StretchWordsAvx512(src, dst, n, minI, D);
+            else StretchAvx512(src, dst, n, minI, D);
+            return;
         case kAvx2: StretchAvx2(src, dst, n, minI, D); return;
         default: break;
         }
@@ -389,22 +363,54 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
 {
     const std::uint32_t g = static_cast<std::uint32_t>(static_cast<std::int32_t>(gain));
     const double G = static_cast<double>(g) / 255.0;
-    NormStats st;
-    const int level = CurrentLevel();
 #ifdef ZAN_X86_VECTOR
-    // The vector forms need products that don't wrap (gain 0 to 32767).
+    // The vector forms need products that don't wrap (gain 0 to 32767): then
+    // s * g / 255 grows with s, and a line's (or column's) greatest quotient
+    // is that of its greatest sample.
+    const int level = CurrentLevel();
     if (gain >= 0 && level != kPlain) {
-        std::vector<unsigned> maxS, colS;
-        if (level == kAvx512) MaximaAvx512(src, rows, cols, useCols, maxS, colS);
-        else MaximaAvx2(src, rows, cols, useCols, maxS, colS);
-        StatsFromMaxima(maxS, colS, g, spread, useCols, st);
+        const bool avx512 = level == kAvx512;
+        auto rowMaxOf = [&](size_t r, unsigned short* col) {
+            const BYTE* row = src + 2 * r * cols;
+            return avx512 ? RowMaxAvx512(row, cols, col) : RowMaxAvx2(row, cols, col);
+        };
+        auto quotient = [g](unsigned m) { return std::max<std::uint32_t>(255, m * g / 255u); };
+        std::vector<std::uint32_t> rowRaw(rows);
         const bool anyCol = useCols && rows > 50;
-        if (level == kAvx512) NormOutAvx512(src, dst, rows, cols, G, st, anyCol);
-        else NormOutAvx2(src, dst, rows, cols, G, st, anyCol);
+        std::vector<std::uint32_t> colMax;
+        std::vector<float> rcpCol;
+        size_t known = 0;  // lines whose rowRaw is known
+        if (anyCol) {
+            // Column maxima need every line from 50 on before the first byte.
+            std::vector<unsigned short> colS(cols, 0);
+            for (; known < rows; ++known) rowRaw[known] = quotient(rowMaxOf(known, known >= 50 ? colS.data() : nullptr));
+            colMax.resize(cols);
+            rcpCol.resize(cols);
+            for (size_t c = 0; c < cols; ++c) {
+                colMax[c] = quotient(colS[c]);
+                rcpCol[c] = 1.0f / static_cast<float>(colMax[c]);
+            }
+        }
+        // Otherwise each line is read for its maximum just ahead of its bytes
+        // (three lines ahead with the spread), while it is still in cache.
+        const size_t ahead = spread ? 3 : 0;
+        for (size_t r = 0; r < rows; ++r) {
+            for (; known < rows && known <= r + ahead; ++known) rowRaw[known] = quotient(rowMaxOf(known, nullptr));
+            std::uint32_t den = rowRaw[r];
+            if (spread) {
+                if (r >= 3) den = std::max(den, rowRaw[r - 3]);
+                if (r + 3 < rows) den = std::max(den, rowRaw[r + 3]);
+            }
+            const BYTE* row = src + 2 * r * cols;
+            const std::uint32_t* cm = anyCol ? colMax.data() : nullptr;
+            const float* rc = anyCol ? rcpCol.data() : nullptr;
+            if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
+            else NormRowAvx2(row, dst + r * cols, cols, G, den, cm, rc);
+        }
         return;
     }
 #endif
-    (void)level;
+    NormStats st;
     StatsPlain(src, rows, cols, g, spread, useCols, st);
     NormOutPlain(src, dst, rows, cols, G, st);
 }

@@ -2,6 +2,8 @@
 // fast paths against a plain evaluation.
 #include <zandata/ZanData.h>
 
+#include "processing/ImgMath.hpp"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -154,8 +156,22 @@ TEST(Normalise8, AllZeroGivesZero)
     EXPECT_EQ(Bytes(img), std::vector<unsigned>(300, 0));
 }
 
+// Runs a check under every instruction set this processor has (plain C++,
+// AVX2, AVX-512), so that each form is held to the same bytes.
+template <class F>
+void AtEveryLevel(F f)
+{
+    for (int level = imgmath::kPlain; level <= imgmath::BestLevel(); ++level) {
+        imgmath::ForceLevel(level);
+        SCOPED_TRACE("level " + std::to_string(level));
+        f();
+    }
+    imgmath::ForceLevel(-1);
+}
+
 TEST(Normalise8, MatchesThePlainStepsOnRandomPlanes)
 {
+    AtEveryLevel([] {
     std::mt19937 rng(17);
     std::uniform_int_distribution<int> dim(1, 90), word(0, 65535), small(0, 700), pick(0, 3);
     const short gains[] = {0, 1, 2, 7, 255, 256, 1000, 32767, -1, -300, -32768};
@@ -173,6 +189,30 @@ TEST(Normalise8, MatchesThePlainStepsOnRandomPlanes)
         ASSERT_EQ(Bytes(img), PlainNormalise8(s, rows, cols, g, spread, cols_))
             << "trial " << trial << " " << rows << "x" << cols << " g " << g;
     }
+    });
+}
+
+TEST(Normalise8, WholeQuotientsOnWideLines)
+{
+    // Gains that make s * g / den whole for many samples (den at its floor of
+    // 255, or a line maximum that divides), on lines wide enough for every
+    // vector step: the estimate is near a whole number and the exact double
+    // decides.
+    AtEveryLevel([] {
+        for (short g : {255, 510, 300, 17, 1}) {
+            const size_t rows = 60, cols = 200;
+            std::vector<unsigned> s(rows * cols);
+            for (size_t i = 0; i < s.size(); ++i) s[i] = static_cast<unsigned>((i * 37) % (i % 3 ? 256 : 65536));
+            for (bool useCols : {false, true}) {
+                CTgtImg img;
+                img.Ping()->m_bfGain = g;
+                img.Ping()->m_nrmSpread = useCols ? 1 : 0;
+                Fill16(img, static_cast<unsigned>(rows), static_cast<unsigned>(cols), s);
+                img.Normalise8(useCols ? 1 : 0);
+                ASSERT_EQ(Bytes(img), PlainNormalise8(s, rows, cols, g, useCols, useCols)) << "g " << g;
+            }
+        }
+    });
 }
 
 TEST(Normalise16, WeakImagesAreNotStretchedAndStrongLinesArePulledDown)
@@ -264,6 +304,7 @@ TEST(Norm16to8, EveryWordMatchesTheDoubleFormula)
     std::vector<unsigned> all(65536);
     for (unsigned v = 0; v < 65536; ++v) all[v] = v;
     Reports quiet;
+    AtEveryLevel([&] {
     for (short g : gains)
         for (unsigned mx : maxima) {
             std::vector<unsigned> s = all;
@@ -283,6 +324,7 @@ TEST(Norm16to8, EveryWordMatchesTheDoubleFormula)
                 ASSERT_EQ(out[v], want) << "g " << g << " max " << mx << " v " << sv;
             }
         }
+    });
 }
 
 TEST(GenPA, PhaseAndAmplitudeOfTheNamedPairs)
