@@ -5,6 +5,7 @@
 #include "core/platform/ZUtil.h"
 #include "core/platform/Zan.h"
 #include "image/CTgtImg.h"
+#include "processing/FltTables.hpp"
 
 #include <pthread.h>
 
@@ -171,6 +172,7 @@ void CTgtImgFlt::Filter(CTgtImg* pImg)
         const size_t plane = static_cast<size_t>(pImg->m_nRngs) * pImg->m_nBrgs;
         GenBuf(pImg, m_preRoot);
         if (m_pBuf) {
+            PrepareTables();
             std::memset(pImg->m_pImg, 0, plane * pImg->m_nPixBytes);
             const unsigned int n = pImg->m_nRngs / static_cast<unsigned int>(m_nThreads);
             std::array<std::thread, kMaxThreads> workers;

@@ -33,6 +33,7 @@
 
 #include <memory>
 
+class CFltTables;
 class CTgtImg;
 class CTgtImgFlt;
 class CZSetObj;
@@ -183,4 +184,12 @@ public:
     static constexpr int kMaxThreads = 32;
     // Milliseconds Filter waits before it reports workers still running.
     static constexpr DWORD kWaitMs = 50000;
+
+private:
+    // Makes the kernel tables fit the present kernel and settings (Filter,
+    // before any worker starts).
+    void PrepareTables();
+    // Term tables of the kernels, kept between runs while the kernel, the
+    // pattern, the offset and the bias stay the same.
+    std::unique_ptr<CFltTables> m_pTables;
 };

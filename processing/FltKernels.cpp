@@ -21,6 +21,7 @@
 #include "processing/CTgtImgFlt.h"
 
 #include "image/CTgtImg.h"
+#include "processing/FltTables.hpp"
 #include "processing/ImgMath.hpp"
 
 #include <algorithm>
@@ -84,6 +85,7 @@ struct Sums {
 // ---- The four kernels, as their steps say. ----
 
 struct K1 {
+    static constexpr int kId = 1;
     static constexpr bool kVector = false;
     static constexpr bool kGateWrites = true;  // a gated pixel is written 0
     static int Half(int nPat) { return nPat / 2; }
@@ -119,6 +121,7 @@ inline void LiftedPeak(const Params& prm, int mb, Peak& pk)
 }
 
 struct K2 {
+    static constexpr int kId = 2;
     static constexpr bool kGateWrites = false;  // a gated pixel is left alone
     // Its terms are cheap enough to compute four pixels at a time in vector
     // registers rather than to look up.
@@ -138,6 +141,7 @@ struct K2 {
 };
 
 struct K3 {
+    static constexpr int kId = 3;
     static constexpr bool kVector = false;
     static constexpr bool kGateWrites = true;
     static int Half(int nPat) { return nPat / 2; }
@@ -155,6 +159,7 @@ struct K3 {
 };
 
 struct K4 {
+    static constexpr int kId = 4;
     static constexpr bool kVector = false;
     static constexpr bool kGateWrites = false;
     static int Half(int nPat) { return nPat / 2; }
@@ -190,10 +195,6 @@ inline void MaxOf(const BYTE* a, const BYTE* b, BYTE* out, int n)
     for (; i < n; ++i) out[i] = std::max(a[i], b[i]);
 }
 
-// Widest window (2h) for which B terms are tabled: 256 peaks x 2h x 256
-// bytes of doubles, 32 MB of address space at most, touched only where used.
-constexpr int kMaxTabledWindow = 64;
-
 // Pixels whose B sums are run side by side, so that their additions, each
 // a chain of its own, overlap.
 constexpr int kLanes = 4;
@@ -202,9 +203,17 @@ constexpr int kLanes = 4;
 template <class K>
 class RowRunner {
 public:
-    RowRunner(const Params& prm, int w)
+    // tables: shared tables of this kernel and settings, or null for tables
+    // of this call alone.
+    RowRunner(const Params& prm, int w, CFltTables* tables)
         : m_prm(prm), m_w(w), m_h(K::Half(prm.nPat)), m_win(2 * m_h), m_split(std::min(K::Split(m_h), m_win))
     {
+        if (!tables) {
+            m_own = std::make_unique<CFltTables>();
+            m_own->Reset(K::kId, prm.pat, prm.nPat, prm.offset, prm.bias, m_win);
+            tables = m_own.get();
+        }
+        m_tables = tables;
         m_peakByte.resize(static_cast<size_t>(w));
         m_spans[0].resize(static_cast<size_t>(w));
         m_spans[1].resize(static_cast<size_t>(w));
@@ -269,19 +278,20 @@ private:
     const double* TableOf(int mb)
     {
         if (m_tab[mb]) return m_tab[mb];
-        if (m_win == 0 || m_win > kMaxTabledWindow) return nullptr;
+        if (m_win == 0 || m_win > CFltTables::kMaxWindow) return nullptr;
+        if (const double* t = m_tables->Get(mb)) return m_tab[mb] = t;
         // Filling costs m_win * (mb + 1) terms, about what mb + 1 pixels cost
         // term by term: table once that many have been served.
         if (++m_uses[mb] < std::max(mb + 1, 16)) return nullptr;
-        if (!m_store) m_store.reset(new double[static_cast<size_t>(256) * m_win * 256]);
-        double* t = m_store.get() + static_cast<size_t>(mb) * m_win * 256;
-        const double lvl = m_peaks[mb].lvl;
+        double* t = m_tables->Claim(mb);
+        if (!t) return nullptr;  // another thread is filling it
+        const double lvl = PeakOf(mb).lvl;
         for (int k = 0; k < m_win; ++k) {
             const double key = K::Key(m_prm, lvl, k);
             for (int b = 0; b <= mb; ++b) t[k * 256 + b] = K::TermB(key, lvl, b);
         }
-        m_tab[mb] = t;
-        return t;
+        m_tables->Publish(mb, t);
+        return m_tab[mb] = t;
     }
 
     // The sums of a window clipped by the row's ends, term by term.
@@ -453,8 +463,9 @@ private:
     Peak m_peaks[256];
     Sums m_sums[256];  // an unclipped window's sums, by peak byte
     int m_uses[256] = {};
-    const double* m_tab[256] = {};
-    std::unique_ptr<double[]> m_store;
+    const double* m_tab[256] = {};  // tables known to this call
+    CFltTables* m_tables = nullptr;
+    std::unique_ptr<CFltTables> m_own;
     int m_batchX[kLanes] = {};
     int m_batchPeak[kLanes] = {};
 };
@@ -469,15 +480,30 @@ bool Slice(const CTgtImg* pImg, const CTgtImgFlt* pFlt, int& startRow, int& endR
     return startRow < endRow;
 }
 
+// The kernel settings of a filter. With no pattern there is no window to
+// fill: every sum is 0.
+Params ParamsOf(const CTgtImgFlt* pFlt)
+{
+    static const double kNoPat = 0.0;
+    return Params{pFlt->m_pPat ? pFlt->m_pPat : &kNoPat, pFlt->m_pPat ? std::max(pFlt->m_nPat, 0) : 0, pFlt->m_offset,
+                  pFlt->m_bias};
+}
+
 template <class K>
-void RunKernel(CTgtImg* pImg, CTgtImgFlt* pFlt, int startRow, int endRow)
+bool Fits(const CFltTables* t, const Params& prm)
+{
+    return t && t->Matches(K::kId, prm.pat, prm.nPat, prm.offset, prm.bias, 2 * K::Half(prm.nPat));
+}
+
+// The filter's shared tables serve when they are this kernel's and settings';
+// else the call keeps tables of its own.
+template <class K>
+void RunKernel(CTgtImg* pImg, CTgtImgFlt* pFlt, CFltTables* tables, int startRow, int endRow)
 {
     if (!Slice(pImg, pFlt, startRow, endRow, true)) return;
-    // With no table there is no window to fill: every sum is 0.
-    static const double kNoPat = 0.0;
-    const Params prm{pFlt->m_pPat ? pFlt->m_pPat : &kNoPat, pFlt->m_pPat ? std::max(pFlt->m_nPat, 0) : 0,
-                     pFlt->m_offset, pFlt->m_bias};
-    RowRunner<K> runner(prm, static_cast<int>(pImg->m_nBrgs));
+    const Params prm = ParamsOf(pFlt);
+    CFltTables* shared = Fits<K>(tables, prm) ? tables : nullptr;
+    RowRunner<K> runner(prm, static_cast<int>(pImg->m_nBrgs), shared);
     runner.Run(pFlt->m_pBuf, pImg->m_pImg, startRow, endRow);
 }
 
@@ -485,22 +511,41 @@ void RunKernel(CTgtImg* pImg, CTgtImgFlt* pFlt, int startRow, int endRow)
 
 void CTgtImgFlt::Flt1(CTgtImg* pImg, CTgtImgFlt* pFlt, int startRow, int endRow)
 {
-    RunKernel<K1>(pImg, pFlt, startRow, endRow);
+    RunKernel<K1>(pImg, pFlt, pFlt->m_pTables.get(), startRow, endRow);
 }
 
 void CTgtImgFlt::Flt2(CTgtImg* pImg, CTgtImgFlt* pFlt, int startRow, int endRow)
 {
-    RunKernel<K2>(pImg, pFlt, startRow, endRow);
+    RunKernel<K2>(pImg, pFlt, pFlt->m_pTables.get(), startRow, endRow);
 }
 
 void CTgtImgFlt::Flt3(CTgtImg* pImg, CTgtImgFlt* pFlt, int startRow, int endRow)
 {
-    RunKernel<K3>(pImg, pFlt, startRow, endRow);
+    RunKernel<K3>(pImg, pFlt, pFlt->m_pTables.get(), startRow, endRow);
 }
 
 void CTgtImgFlt::Flt4(CTgtImg* pImg, CTgtImgFlt* pFlt, int startRow, int endRow)
 {
-    RunKernel<K4>(pImg, pFlt, startRow, endRow);
+    RunKernel<K4>(pImg, pFlt, pFlt->m_pTables.get(), startRow, endRow);
+}
+
+template <class K>
+void Prepare(std::unique_ptr<CFltTables>& tables, const CTgtImgFlt* pFlt)
+{
+    const Params prm = ParamsOf(pFlt);
+    if (!tables) tables = std::make_unique<CFltTables>();
+    if (!Fits<K>(tables.get(), prm)) tables->Reset(K::kId, prm.pat, prm.nPat, prm.offset, prm.bias, 2 * K::Half(prm.nPat));
+}
+
+void CTgtImgFlt::PrepareTables()
+{
+    switch (m_filterId) {
+    case 1: Prepare<K1>(m_pTables, this); break;
+    case 2: Prepare<K2>(m_pTables, this); break;
+    case 3: Prepare<K3>(m_pTables, this); break;
+    case 4: Prepare<K4>(m_pTables, this); break;
+    default: break;
+    }
 }
 
 void CTgtImgFlt::Flt5(CTgtImg*, CTgtImgFlt*, int, int) {}

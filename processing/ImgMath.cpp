@@ -199,8 +199,16 @@ __attribute__((target("avx2"))) void NormRowAvx2(const BYTE* row, BYTE* out, siz
 
 ZAN_AVX512 unsigned MaxWordAvx512(const BYTE* p, size_t n)
 {
-    __m512i acc = _mm512_setzero_si512();
+    // Four running maxima, so that several loads are in flight at once.
+    __m512i a0 = _mm512_setzero_si512(), a1 = a0, a2 = a0, a3 = a0;
     size_t i = 0;
+    for (; i + 128 <= n; i += 128) {
+        a0 = _mm512_max_epu16(a0, _mm512_loadu_si512(p + 2 * i));
+        a1 = _mm512_max_epu16(a1, _mm512_loadu_si512(p + 2 * i + 64));
+        a2 = _mm512_max_epu16(a2, _mm512_loadu_si512(p + 2 * i + 128));
+        a3 = _mm512_max_epu16(a3, _mm512_loadu_si512(p + 2 * i + 192));
+    }
+    __m512i acc = _mm512_max_epu16(_mm512_max_epu16(a0, a1), _mm512_max_epu16(a2, a3));
     for (; i + 32 <= n; i += 32) acc = _mm512_max_epu16(acc, _mm512_loadu_si512(p + 2 * i));
     const __m512i wide = _mm512_max_epu32(_mm512_cvtepu16_epi32(_mm512_castsi512_si256(acc)),
                                           _mm512_cvtepu16_epi32(_mm512_extracti64x4_epi64(acc, 1)));

@@ -487,3 +487,47 @@ TEST(FilterSettings, LoadingWithoutSizeKeepsThePattern)
     EXPECT_EQ(f.m_pPat[0], 0.75);
     EXPECT_EQ(f.m_pPat[1], 2.0);
 }
+
+TEST(FilterEngine, KeptTablesFollowEveryChangeOfSettings)
+{
+    // Large enough for the kernels to table their terms, and run repeatedly
+    // on the same filter: a change of kernel, pattern, offset or bias between
+    // runs must never reuse a stale table.
+    std::mt19937 rng(8);
+    const int rows = 120, cols = 500;
+    const auto plane = RandomPlane(rng, static_cast<size_t>(rows) * cols);
+    CTgtImgFlt f;
+    f.m_bias = 0.3;
+    f.m_offset = 0.01;
+    f.m_nThreads = 3;
+    f.SetupThreads();
+    SetPattern(f, {0.1, 0.3, 0.6, 0.9, 1.0, 0.9, 0.6, 0.3, 0.1, 0.05});
+    auto check = [&](const char* what) {
+        for (int run = 0; run < 2; ++run)
+            ASSERT_TRUE(RunFilter(f, plane, rows, cols) == RunRef(f, plane, rows, cols)) << what << " run " << run;
+    };
+    for (int id : {1, 3, 4, 1, 4, 3}) {  // the same settings, another kernel
+        f.m_filterId = id;
+        check("kernel");
+    }
+    // One setting at a time, each run after a run with the one before.
+    for (int id = 1; id <= 4; ++id) {
+        f.m_filterId = id;
+        check("kernel");
+        f.m_offset = 0.02;
+        check("offset");
+        f.m_offset = 0.01;
+        check("offset back");
+        f.m_bias = 0.31;
+        check("bias");
+        f.m_bias = 0.3;
+        check("bias back");
+        f.m_pPat[4] = 0.95;
+        check("pattern entry");
+        f.m_pPat[4] = 1.0;
+        check("pattern entry back");
+        SetPattern(f, {0.2, 0.5, 1.0, 0.5, 0.2, 0.1, 0.05});
+        check("pattern size");
+        SetPattern(f, {0.1, 0.3, 0.6, 0.9, 1.0, 0.9, 0.6, 0.3, 0.1, 0.05});
+    }
+}
