@@ -16,7 +16,10 @@
 //   no square root or division is left in the loop. The table is filled only
 //   for bytes up to the peak (no byte in a window exceeds its peak), and only
 //   when the pixels already served would have cost as much, so small images
-//   never pay for it.
+//   never pay for it. The tables of a Filter run are shared by its threads
+//   and kept for the next run while kernel and settings stay (CFltTables);
+// - Flt2's terms are cheap, so it sums four neighbouring pixels at a time in
+//   vector registers instead, each lane in its own pixel's order.
 // Windows clipped by the row's ends are evaluated term by term.
 #include "processing/CTgtImgFlt.h"
 
@@ -39,15 +42,16 @@ namespace {
 
 using imgmath::ToByte;
 
-// s(b): a source byte as intensity.
+// s(b): a source byte as intensity, b / 255.0 (worked out when compiling,
+// with the same rounding).
 struct SourceLevels {
     double v[256];
-    SourceLevels()
+    constexpr SourceLevels() : v()
     {
         for (int b = 0; b < 256; ++b) v[b] = b / 255.0;
     }
 };
-const SourceLevels s_lvl;
+constexpr SourceLevels s_lvl;
 
 // The lesser of v and t, or 0 if that is below 0.
 inline double Clamp(double v, double t)

@@ -305,6 +305,37 @@ ZAN_AVX512 void NormRowAvx512(const BYTE* row, BYTE* out, size_t cols, double G,
     for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, colMax ? std::max(rowMax, colMax[c]) : rowMax);
 }
 
+// One line of Normalise8's bytes when den is the same for the whole line, g
+// < den and maxS * den <= 2^32 (maxS the line's greatest sample), in 16-bit
+// lanes. Then with C = g / den and M = ceil(C 2^32) < 2^32, floor(s M / 2^32)
+// is floor(s g / den) for every s <= maxS (s M / 2^32 exceeds s C by less
+// than s 2^-32 <= 1 / den, while a fraction of s C that isn't 0 lies between
+// 1 / den and 1 - 1 / den), and s g / den is whole exactly when the low 32
+// bits of s M are below s. The double evaluation truncates to floor(s g / den)
+// except, perhaps, where that is whole: those samples are worked out in double.
+ZAN_AVX512 void NormRowWordsAvx512(const BYTE* row, BYTE* out, size_t cols, double G, std::uint32_t g, std::uint32_t den)
+{
+    const std::uint64_t M = ((static_cast<std::uint64_t>(g) << 32) + den - 1) / den;
+    const __m512i mhi = _mm512_set1_epi16(static_cast<short>(M >> 16));
+    const __m512i mlo = _mm512_set1_epi16(static_cast<short>(M & 0xFFFF));
+    const __m512i one = _mm512_set1_epi16(1), zero = _mm512_setzero_si512();
+    size_t c = 0;
+    for (; c + 32 <= cols; c += 32) {
+        const __m512i x = _mm512_loadu_si512(row + 2 * c);
+        const __m512i hiA = _mm512_mulhi_epu16(x, mhi), loA = _mm512_mullo_epi16(x, mhi);
+        const __m512i loB = _mm512_mullo_epi16(x, mlo);
+        const __m512i mid = _mm512_add_epi16(loA, _mm512_mulhi_epu16(x, mlo));
+        const __m512i q = _mm512_mask_add_epi16(hiA, _mm512_cmplt_epu16_mask(mid, loA), hiA, one);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + c), _mm512_cvtepi16_epi8(q));
+        const std::uint32_t whole = _mm512_cmpeq_epi16_mask(mid, zero) & _mm512_cmplt_epu16_mask(loB, x);
+        for (std::uint32_t bad = whole; bad; bad &= bad - 1) {
+            const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
+            out[j] = NormOne(Word(row, j), G, den);
+        }
+    }
+    for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, den);
+}
+
 #endif  // ZAN_X86_VECTOR
 
 int DetectLevel()
@@ -384,6 +415,7 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
         };
         auto quotient = [g](unsigned m) { return std::max<std::uint32_t>(255, m * g / 255u); };
         std::vector<std::uint32_t> rowRaw(rows);
+        std::vector<unsigned> rowS(rows);  // each line's greatest sample
         const bool anyCol = useCols && rows > 50;
         std::vector<std::uint32_t> colMax;
         std::vector<float> rcpCol;
@@ -391,7 +423,10 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
         if (anyCol) {
             // Column maxima need every line from 50 on before the first byte.
             std::vector<unsigned short> colS(cols, 0);
-            for (; known < rows; ++known) rowRaw[known] = quotient(rowMaxOf(known, known >= 50 ? colS.data() : nullptr));
+            for (; known < rows; ++known) {
+                rowS[known] = rowMaxOf(known, known >= 50 ? colS.data() : nullptr);
+                rowRaw[known] = quotient(rowS[known]);
+            }
             colMax.resize(cols);
             rcpCol.resize(cols);
             for (size_t c = 0; c < cols; ++c) {
@@ -403,7 +438,10 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
         // (three lines ahead with the spread), while it is still in cache.
         const size_t ahead = spread ? 3 : 0;
         for (size_t r = 0; r < rows; ++r) {
-            for (; known < rows && known <= r + ahead; ++known) rowRaw[known] = quotient(rowMaxOf(known, nullptr));
+            for (; known < rows && known <= r + ahead; ++known) {
+                rowS[known] = rowMaxOf(known, nullptr);
+                rowRaw[known] = quotient(rowS[known]);
+            }
             std::uint32_t den = rowRaw[r];
             if (spread) {
                 if (r >= 3) den = std::max(den, rowRaw[r - 3]);
@@ -412,7 +450,9 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
             const BYTE* row = src + 2 * r * cols;
             const std::uint32_t* cm = anyCol ? colMax.data() : nullptr;
             const float* rc = anyCol ? rcpCol.data() : nullptr;
-            if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
+            if (avx512 && !anyCol && g < den && static_cast<std::uint64_t>(rowS[r]) * den <= (1ull << 32))
+                NormRowWordsAvx512(row, dst + r * cols, cols, G, g, den);
+            else if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
             else NormRowAvx2(row, dst + r * cols, cols, G, den, cm, rc);
         }
         return;

@@ -215,6 +215,28 @@ TEST(Normalise8, WholeQuotientsOnWideLines)
     });
 }
 
+TEST(Normalise8, EveryWordOfALine)
+{
+    // One line holding every sample value up to its maximum, for gains and
+    // maxima that put the divisor on both sides of the limits the fast forms
+    // work within.
+    const std::pair<short, unsigned> cases[] = {{1, 65535}, {3, 65535}, {254, 65535}, {255, 65535},
+                                                {256, 65535}, {4000, 65535}, {255, 300}, {7, 255}};
+    for (auto [g, mx] : cases) {
+        std::vector<unsigned> s(65536);
+        for (unsigned v = 0; v < 65536; ++v) s[v] = std::min(v, mx);
+        const auto want = PlainNormalise8(s, 1, 65536, g, false, false);
+        AtEveryLevel([&, g = g, mx = mx] {
+            CTgtImg img;
+            img.Ping()->m_bfGain = g;
+            img.Ping()->m_nrmSpread = 0;
+            Fill16(img, 1, 65536, s);
+            img.Normalise8(0);
+            ASSERT_EQ(Bytes(img), want) << "g " << g << " max " << mx;
+        });
+    }
+}
+
 TEST(Normalise16, WeakImagesAreNotStretchedAndStrongLinesArePulledDown)
 {
     CTgtImg img;
