@@ -4,12 +4,17 @@
 //
 // The vector forms reach the exact result without a division per sample:
 // - Norm16to8 is 1 + floor(254 (v - minI) / D) in whole numbers (see
-//   Stretch16to8). The quotient is estimated in single precision, whose
-//   error is below one, and put right by one comparison of the remainder.
-// - Normalise8's byte is trunc(s * G * 255 / den) in double precision. A
-//   single-precision estimate lies within 1e-4 of that double; where the
-//   estimate is further than 2e-4 from a whole number both truncate alike,
-//   and the few samples closer than that are worked out in double precision.
+//   Stretch16to8): in 16-bit lanes a multiplication by a 32-bit reciprocal
+//   gives it exactly (StretchWordsAvx512); otherwise the quotient is
+//   estimated in single precision, whose error is below one, and put right by
+//   one comparison of the remainder.
+// - Normalise8's byte is trunc(s * G * 255 / den) in double precision, which
+//   is floor(s * g / den) except, perhaps, where that quotient is whole. For a
+//   line with one divisor a 32-bit reciprocal gives the quotient and tells the
+//   whole ones in 16-bit lanes (NormRowWordsAvx512). Otherwise a
+//   single-precision estimate lies within 1e-4 of the double; where it is
+//   further than 2e-4 from a whole number both truncate alike. The few
+//   samples left are worked out in double precision.
 #include "processing/ImgMath.hpp"
 
 #include <algorithm>
