@@ -35,6 +35,9 @@
 #include <vector>
 
 class CArchive;
+class CColTbl;
+class CDsp;
+class CMat;
 class CPing;
 
 class CTgtImg {
@@ -308,6 +311,104 @@ public:
     // record; 1 when absent or 0), -84.0 for a sample of 0 (64 is 0 dB).
     // 0.0 without m_pImg, outside the span, or unless the ping's m_gainMode is 1.
     double GetIntensityDB(int rngIdx, int brgIdx, int win);
+    // ---- Display: placing, picture, drawing (render/) ----
+    // None of these take a lock; the caller holds the image. The drawing calls
+    // make OpenGL calls into the context current on the calling thread (the
+    // host's), so they belong to that thread; CreateImg makes none.
+
+    // Places each bearing of the window m_nStartBrg..m_nEndBrg-1 in the world:
+    // m_vStart[i], m_vEnd[i] (near and far edge, from m_nStartRng and
+    // m_nEndRng at m_tgtRec.m_sosAvg) and the unit vector m_vDir[i] between
+    // them, i = bearing - m_nStartBrg; m_tgtRec.m_frame = sonar. A line array
+    // goes through TgtCalc::RT with the ping's bearing table (from entry 0)
+    // and the tilt frame; the ring array (receive row flags 0x40) lays the
+    // beams round a circle of radius 0.0954844435875365 m, at x * 2pi /
+    // m_nBrgs, in the sonar's frame. Returns at once, changing nothing, if any
+    // of the three vectors is empty. The window is cut to the vectors and,
+    // for a line array, to the bearing table; entries beyond stay as they
+    // were. Points that come out not finite are stored as they are.
+    void SetupExtents(CMat& sonar, CMat& tilt);
+
+    // Builds the display image m_pDsp (m_nBrgs x m_nImgSize RGBA pixels) from
+    // m_pImg: SetImgSize(s_resTypes[resIdx]) first (resIdx 0..7; any other
+    // value does nothing at all), then m_nDspSkip + 1 range lines fold onto
+    // each display row, keeping their strongest echo; with gainCorr the
+    // ping's display gain ratio and (m_gainAssist 0) the per-line gains of
+    // m_pLX are corrected for, in unsigned integers limited to 255. depthCol
+    // 0 colours by intensity (tbl[i]); non-zero by the depth of the last line
+    // of each row, depthMin..depthMax spanning the table, brightness from the
+    // intensity, and intensities of 8 and below clear. Rows no line reaches
+    // hold intensity 0. Sets m_nDspSkip, m_nDspRows and m_bTexDirty, then
+    // builds the zoom picture with the same table, depth span and the gain
+    // ratio it used. Nothing happens without m_pImg or a display image.
+    // Lines beyond what m_pImg holds (m_nImgBytes) and line records beyond
+    // m_nLXBytes aren't read; a missing record counts as "no gain recorded".
+    // A depth index below the table keeps its low 8 bits (wrapping round the
+    // first 256 entries); tbl always has at least 256 entries. A dB gain
+    // factor beyond 32 bits is held at 0xFFFFFFFF. No OpenGL call.
+    void CreateImg(CColTbl& tbl, int resIdx, int depthCol, double depthMin, double depthMax, bool gainCorr);
+    // The same for the zoom image m_pAZ into m_pAZDsp (m_nAZBrgs x
+    // m_nImgSize / 2), with m_nAZSkip / m_nAZRows, the line records of m_pAZLX
+    // and m_azDecim; a non-zero gainDen always applies gainNum / gainDen, and
+    // per-line rescaling needs no flag. Depth uses m_vStart / m_vEnd from
+    // column 0. Nothing happens without m_pAZ and m_pAZDsp, with m_nImgSize
+    // below 2, or when the zoom display image wasn't sized (SetImgSize) for
+    // the present m_nAZBrgs.
+    void CreateAcousticZoomImage(CColTbl& tbl, int depthCol, double depthMin, double depthMax, unsigned int gainDen,
+                                 unsigned int gainNum);
+
+    // Lays the display image over the world: one textured, blended triangle
+    // strip, far then near point of each bearing (dsp.VertexZ at minus z),
+    // texture column (x + 0.5) / m_nBrgs and rows 0..m_nDspRows / m_nImgSize.
+    // A bearing with a point that isn't finite is left out. Generates
+    // m_nTexId on first use and uploads the picture when m_bTexDirty is set
+    // (then clears it). transp 0.0 opaque to 1.0 clear. Leaves blending and
+    // texturing enabled. Without a display image, bearings or height, draws
+    // nothing and reports status 6040. The display image must have the size
+    // m_nBrgs x m_nImgSize that CreateImg / SetImgSize gave it.
+    void DrawImg(CDsp& dsp, double transp);
+    // Draws the display image as a flat fan round the origin in the z = 0
+    // plane: beam x at angle m_pBrgTbl[x] + brgOfs (radians, 0 along +x),
+    // from m_nStartRng to m_nEndRng range lines at m_sosXd. flip non-zero
+    // mirrors the picture across the fan. Texture as DrawImg (status 6041
+    // when there is nothing to draw); a beam count other than m_numBeams is
+    // reported (6042) and beams beyond the bearing table are left out. Ends
+    // with blending and texturing disabled.
+    void DrawFan(double brgOfs, int flip, float transp);
+    // The zoom image as its part of the fan: bearings m_nAZStartBrg to
+    // m_nAZEndBrg (inclusive) of the main bearing table, ranges
+    // m_nAZStartRng and m_nAZEndRng in m_baseMF lines times m_azDecim. The
+    // texture m_nAZTexId is uploaded at every call. Status 6043 when there is
+    // nothing to draw, alarm 6044 when m_nAZBrgs differs from m_azNumBeams.
+    void DrawAZFan(double brgOfs, int flip, double transp);
+    // Range rings (about nRings of them, at Zan::NearestMkr spacing, the last
+    // held at m_endRngM, radii to the centimetre, each labelled with
+    // CDsp::DrawBmpText) and spokes every 15 degrees across m_aperture, in
+    // the sonar's frame m_tgtRec.m_frame, colours CDsp::s_grdCol and
+    // s_fontCol. The model-view matrix is pushed and popped.
+    void DrawGrid(CDsp& dsp, int nRings);
+
+    // The targets of m_tgtRec as 3-pixel points at (x, y, -z), coloured by
+    // kind and m_tgtSide; reports status 6031 with the count drawn. An empty
+    // list draws and reports nothing.
+    void DrawTgts(CDsp& dsp);
+    // Targets of a kind other than 0 with lo < z < hi as 5-pixel points,
+    // coloured by depth (depthCol non-zero, lo..hi spanning the table, darker
+    // for weak levels) or by level.
+    void DrawTgtsAsBlocks(CDsp& dsp, CColTbl& tbl, int depthCol, double lo, double hi);
+    // The strongest echo above thresh (at least 6) of each bearing as a
+    // 5-pixel point, coloured as DrawTgtsAsBlocks; the last range line isn't
+    // looked at. Nothing without m_pImg.
+    void DrawPoints(CDsp& dsp, double thresh, CColTbl& tbl, int depthCol, double lo, double hi);
+    // Every sample above thresh (at least 12) as the solid CDsp::s_rock
+    // scaled by v * size / 256, coloured by level or, with depthCol, by |z|
+    // wrapping round the table. Nothing without m_pImg.
+    void DrawBlocks(CDsp& dsp, double thresh, CColTbl& tbl, int depthCol, double lo, double hi, double size);
+    // The outline of each boundary of type 0 as a line loop, out along the
+    // near ranges and back along the far ones, measured from the sonar's
+    // origin along m_vDir; entries with a negative near range, or with a
+    // bearing outside the vectors, are left out.
+    void DrawBnds(CDsp& dsp);
 
 private:
     struct Shape;

@@ -69,7 +69,7 @@ const std::vector<std::string>& Defined()
     static const std::vector<std::string> names = {
         "glBegin", "glBindTexture", "glBitmap", "glCallList", "glClear", "glClearColor", "glClearDepth",
         "glColor4f", "glColor4ub", "glColor4ubv", "glDeleteLists", "glDeleteTextures", "glDisable", "glEnable",
-        "glEnd", "glEndList", "glFinish", "glGenLists", "glGenTextures", "glLineWidth", "glLoadIdentity",
+        "glEnd", "glEndList", "glFinish", "glGenLists", "glGenTextures", "glGetString", "glLineWidth", "glLoadIdentity",
         "glMatrixMode", "glNewList", "glNormal3dv", "glOrtho", "glPixelStorei", "glPointSize", "glPopAttrib",
         "glPopClientAttrib", "glPopMatrix", "glPushAttrib", "glPushClientAttrib", "glPushMatrix",
         "glRasterPos3d", "glRotated", "glScaled", "glTexCoord2d", "glTexEnvi", "glTexImage2D",
@@ -90,6 +90,13 @@ void glEnd() { Rec("glEnd", {}); }
 void glEnable(GLenum cap) { Rec("glEnable", {double(cap)}); }
 void glDisable(GLenum cap) { Rec("glDisable", {double(cap)}); }
 void glFinish() { Rec("glFinish", {}); }
+// The layer stands for a current context.
+const GLubyte* glGetString(GLenum name)
+{
+    Rec("glGetString", {double(name)});
+    static const GLubyte kText[] = "glrec";
+    return kText;
+}
 
 void glGenTextures(GLsizei n, GLuint* textures)
 {

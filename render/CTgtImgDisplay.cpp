@@ -1,0 +1,274 @@
+// CTgtImg::CreateImg and CreateAcousticZoomImage: the RGBA picture of an
+// image, folded to the display height, gain-corrected and coloured by
+// intensity or by depth.
+//
+// The build is done row by row of the display rather than sample by sample:
+// the range lines that fold onto one display row are reduced into a row of
+// bytes (their strongest echo per column, after the gain corrections, which
+// go through a 256-entry table per line), and the row is then coloured once.
+// This gives the same pixels as clearing the display image, collecting
+// intensity and depth index in bytes 0 and 1 of each pixel and colouring
+// them in a last pass: the depth index that survives in a pixel is always the
+// one of the last line folded onto it (once byte 0 exceeds 8 it stays above),
+// so it is worked out for that line only.
+#include "image/CTgtImg.h"
+
+#include "core/platform/CColTbl.h"
+#include "ping/CPing.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+// floor(v) as an integer, for finite values in range; NaN gives 0 and values
+// beyond the range of int are held at its ends (the caller clamps further).
+inline int FloorToInt(double v)
+{
+    if (!(v > -2147483648.0)) return v != v ? 0 : INT32_MIN;
+    if (!(v < 2147483647.0)) return INT32_MAX;
+    const int t = static_cast<int>(v);
+    return t - (static_cast<double>(t) > v);
+}
+
+// floor(10^(dB / 20) + 0.5): the gain factor of a level in decibels, held at
+// the ends of the unsigned range (the sane levels, 0 to 96 dB, never get near).
+inline std::uint32_t DbToFactor(double dB)
+{
+    const double f = std::floor(std::pow(10.0, dB / 20.0) + 0.5);
+    if (!(f > 0.0)) return 0;
+    if (f >= 4294967295.0) return 0xFFFFFFFFu;
+    return static_cast<std::uint32_t>(f);
+}
+
+// One plane to build: the main image or the zoom image.
+struct Plane {
+    const BYTE* pSrc;          // samples, nLines rows of nW bytes
+    unsigned nRngs;            // range lines as the image counts them (fold and depth)
+    unsigned nLines;           // lines that the buffer really holds (<= nRngs)
+    unsigned nW;               // columns
+    CRgb* pDsp;                // display image, nW x nH pixels
+    unsigned nH;               // display rows available
+    const BYTE* pLX;           // line records, 4 bytes a line (first u16: recorded gain); null: none
+    unsigned nLX;              // records held
+    unsigned decim;            // range-line decimation for the gain ramp of mode 0
+    bool bCorrRatio;           // apply the gain ratio (when gainDen is non-zero)
+    bool bCorrLine;            // apply the per-line rescaling
+    const std::vector<CV3>* pStart;
+    const std::vector<CV3>* pEnd;
+};
+
+struct Gain {
+    std::uint32_t num = 0, den = 0;
+};
+
+// Step 5 of the build: the ratio from the gain the image was made with to the
+// one the display now wants.
+Gain GainRatio(const CPing& p)
+{
+    Gain r;
+    switch (p.m_gainMode) {
+    case 0:
+    case 2:
+        if (p.m_dispPercent >= 0 && p.m_dispPercent != p.m_percentGain) {
+            r.num = p.m_dispPercent > 0 ? static_cast<std::uint32_t>(p.m_dispPercent) : 1u;
+            r.den = p.m_percentGain > 0 ? static_cast<std::uint32_t>(p.m_percentGain) : 1u;
+        }
+        break;
+    case 1:
+        if (p.m_dispGainDB >= 0 && p.m_dispGainDB != p.m_bfGain) {
+            r.num = DbToFactor(p.m_dispGainDB);
+            r.den = DbToFactor(p.m_bfGain);
+        }
+        break;
+    default:
+        break;
+    }
+    return r;
+}
+
+void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& tbl, int depthCol,
+                double depthMin, double depthMax, unsigned& nSkip, unsigned& nRows)
+{
+    // Folding.
+    nSkip = pl.nRngs > pl.nH ? pl.nRngs / pl.nH : 0;
+    nRows = pl.nRngs / (nSkip + 1);
+    const unsigned m = nSkip + 1;
+
+    const int nc = tbl.GetSize();
+    const CRgb* pTbl = tbl.Data();
+    double span = depthMax - depthMin;
+    if (span == 0.0) span = 1.0;
+    const double scale = nc / span;
+
+    // The per-line gain g of the image's gain law. Only modes 1 and 2 need a
+    // power of ten, and it is the same for every line.
+    const bool gainTable = ping.m_gainAssist == 0 && pl.pLX;
+    std::uint32_t gFixed = 0;
+    if ((ping.m_gainMode == 1 || ping.m_gainMode == 2) && ping.m_bfGain >= 0 && ping.m_bfGain <= 96)
+        gFixed = std::min<std::uint32_t>(DbToFactor(ping.m_bfGain), 65535u);
+    const std::uint32_t ramp = static_cast<std::uint32_t>(pl.decim) * ping.m_swGainRamp;
+    const std::uint32_t base = static_cast<std::uint32_t>(static_cast<int>(ping.m_bfGain)) << 8;
+
+    const bool useRatio = pl.bCorrRatio && ratio.den != 0;
+    std::array<BYTE, 256> lut {};
+    bool lutValid = false;
+    std::uint32_t lutG = 0, lutRec = 0;
+    bool lutRescale = false;
+
+    std::vector<BYTE> acc(pl.nW);
+    // Depth geometry of each column, for the depth colouring.
+    std::vector<double> sz, dz;
+    std::size_t nVec = 0;
+    if (depthCol) {
+        nVec = std::min<std::size_t>({pl.nW, pl.pStart->size(), pl.pEnd->size()});
+        sz.resize(nVec);
+        dz.resize(nVec);
+        for (std::size_t x = 0; x < nVec; ++x) {
+            sz[x] = (*pl.pStart)[x].z;
+            dz[x] = (*pl.pEnd)[x].z - (*pl.pStart)[x].z;
+        }
+    }
+
+    auto colourRow = [&](CRgb* dst, const BYTE* a, unsigned rLast, bool filled) {
+        if (!depthCol) {
+            for (unsigned x = 0; x < pl.nW; ++x) dst[x] = pTbl[a[x]];
+            return;
+        }
+        const double frac = filled ? static_cast<double>(rLast) / pl.nRngs : 0.0;
+        for (unsigned x = 0; x < pl.nW; ++x) {
+            const unsigned i = a[x];
+            if (i <= 8) {
+                dst[x] = CRgb(0, 0, 0, 0);
+                continue;
+            }
+            // Byte 1 keeps the low 8 bits of the index, so a depth below
+            // depthMin wraps round the first 256 entries; a table always has
+            // at least 256, so no index reaches beyond it.
+            unsigned b1 = 0;
+            if (x < nVec) {
+                const double depth = dz[x] * frac + sz[x];
+                int idx = FloorToInt((depth - depthMin) * scale + 0.5);
+                if (idx >= nc) idx = nc - 1;
+                b1 = static_cast<unsigned>(idx) & 0xFFu;
+            }
+            const CRgb c = pTbl[b1];
+            const unsigned k = std::min(i + 126u, 255u);  // brightness k / 256
+            dst[x] = CRgb(static_cast<BYTE>((c.r * k) >> 8), static_cast<BYTE>((c.g * k) >> 8),
+                          static_cast<BYTE>((c.b * k) >> 8), pTbl[i].a);
+        }
+    };
+
+    unsigned r = 0, row = 0;
+    while (r < pl.nLines && row < pl.nH) {
+        std::fill(acc.begin(), acc.end(), BYTE(0));
+        const unsigned rEnd = std::min(r + m, pl.nLines);
+        for (; r < rEnd; ++r) {
+            bool rescale = false;
+            std::uint32_t g = 0, rec = 0;
+            if (gainTable) {
+                switch (ping.m_gainMode) {
+                case 0: g = ((ramp * r) >> 2) + base; g >>= 8; break;
+                case 1:
+                case 2: g = gFixed; break;
+                default: g = 0; break;
+                }
+                if (r < pl.nLX) {
+                    std::uint16_t w;
+                    std::memcpy(&w, pl.pLX + static_cast<std::size_t>(r) * 4, sizeof w);
+                    rec = w;
+                }
+                rescale = pl.bCorrLine && rec != 0 && rec != g;
+            }
+            const BYTE* s = pl.pSrc + static_cast<std::size_t>(r) * pl.nW;
+            if (!useRatio && !rescale) {
+                for (unsigned x = 0; x < pl.nW; ++x) acc[x] = std::max(acc[x], s[x]);
+                continue;
+            }
+            if (!lutValid || lutRescale != rescale || (rescale && (lutG != g || lutRec != rec))) {
+                for (std::uint32_t v = 0; v < 256; ++v) {
+                    std::uint32_t w = v;
+                    if (useRatio) w = std::min<std::uint32_t>(w * ratio.num / ratio.den, 255u);
+                    if (rescale) w = std::min<std::uint32_t>(w * g / rec, 255u);
+                    lut[v] = static_cast<BYTE>(w);
+                }
+                lutValid = true;
+                lutRescale = rescale;
+                lutG = g;
+                lutRec = rec;
+            }
+            for (unsigned x = 0; x < pl.nW; ++x) acc[x] = std::max(acc[x], lut[s[x]]);
+        }
+        colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, acc.data(), rEnd - 1, true);
+        ++row;
+    }
+    // Rows that no line reached hold intensity 0.
+    std::fill(acc.begin(), acc.end(), BYTE(0));
+    for (; row < pl.nH; ++row) colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, acc.data(), 0, false);
+}
+
+} // namespace
+
+void CTgtImg::CreateImg(CColTbl& tbl, int resIdx, int depthCol, double depthMin, double depthMax, bool gainCorr)
+{
+    if (resIdx < 0 || resIdx >= 8) return;
+    SetImgSize(static_cast<unsigned int>(s_resTypes[resIdx].m_n));
+    if (!m_pImg || !m_pDsp || m_nImgSize == 0) return;
+
+    const CPing& ping = m_tgtRec.m_ping;
+    const Gain ratio = GainRatio(ping);
+    Plane pl {};
+    pl.pSrc = m_pImg;
+    pl.nRngs = m_nRngs;
+    // Samples are one byte each; a line count that another sizing call has
+    // raised past the plane is cut to the lines the plane holds.
+    pl.nLines = m_nBrgs ? std::min<unsigned>(m_nRngs, m_nImgBytes / m_nBrgs) : 0;
+    pl.nW = m_nBrgs;
+    pl.pDsp = m_pDsp;
+    pl.nH = m_nImgSize;
+    pl.pLX = m_pLX;
+    pl.nLX = m_nLXBytes / 4;
+    pl.decim = m_tgtRec.m_ping.m_rngDecim;
+    pl.bCorrRatio = gainCorr;
+    pl.bCorrLine = gainCorr;
+    pl.pStart = &m_vStart;
+    pl.pEnd = &m_vEnd;
+    BuildPlane(pl, ping, ratio, tbl, depthCol, depthMin, depthMax, m_nDspSkip, m_nDspRows);
+    m_bTexDirty = 1;
+    CreateAcousticZoomImage(tbl, depthCol, depthMin, depthMax, ratio.den, ratio.num);
+}
+
+void CTgtImg::CreateAcousticZoomImage(CColTbl& tbl, int depthCol, double depthMin, double depthMax,
+                                      unsigned int gainDen, unsigned int gainNum)
+{
+    if (!m_pAZ || !m_pAZDsp) return;
+    const unsigned nH = m_nImgSize / 2;
+    // The zoom display image must have been sized for this zoom image
+    // (SetImgSize records the width it was made for); otherwise, or with no
+    // display rows, nothing is built.
+    if (nH == 0 || m_nAZDspBrgs != m_nAZBrgs) return;
+
+    const CPing& ping = m_tgtRec.m_ping;
+    Gain ratio;
+    ratio.num = gainNum;
+    ratio.den = gainDen;
+    Plane pl {};
+    pl.pSrc = m_pAZ;
+    pl.nRngs = m_nAZRngs;
+    pl.nLines = m_nAZBrgs ? std::min<unsigned>(m_nAZRngs, m_nAZBytes / m_nAZBrgs) : 0;
+    pl.nW = m_nAZBrgs;
+    pl.pDsp = m_pAZDsp;
+    pl.nH = nH;
+    pl.pLX = reinterpret_cast<const BYTE*>(m_pAZLX);
+    pl.nLX = m_nAZLXCount;
+    pl.decim = ping.m_zoom.m_azDecim;
+    pl.bCorrRatio = true;
+    pl.bCorrLine = true;
+    pl.pStart = &m_vStart;
+    pl.pEnd = &m_vEnd;
+    BuildPlane(pl, ping, ratio, tbl, depthCol, depthMin, depthMax, m_nAZSkip, m_nAZRows);
+}
