@@ -1,87 +1,10 @@
-// zanrec: the sonar recording tool.
+// zanrec: synthesise, record, inspect and draw multibeam sonar pings with
+// the ZanData library.
+#include "Commands.h"
+
 #include <zandata/ZanData.h>
 
 #include <CLI/CLI.hpp>
-
-#include <cstdio>
-#include <filesystem>
-#include <vector>
-
-namespace {
-void PrintRow(const char* role, int idx)
-{
-    const CArrType& r = CArrType::s_types[idx];
-    std::printf("  %s row %2d: %-14s type %d  %6u Hz  %3u elements  pitch %.6f m  flags 0x%04X\n", role, idx,
-                r.m_name.Utf8().c_str(), r.m_type, r.m_freq, static_cast<unsigned>(r.m_nElements),
-                static_cast<double>(r.m_pitch), static_cast<unsigned>(r.m_flags));
-}
-
-std::vector<BYTE> RecordBytes(CPing& p)
-{
-    CMemFile f;
-    CArchive ar(&f, CArchive::store);
-    p.Serialize(ar);
-    ar.Close();
-    return std::vector<BYTE>(f.GetBuffer(), f.GetBuffer() + f.GetLength());
-}
-
-void PrintScales(const char* which, const CPing& p)
-{
-    std::printf("  %s: %.9g s per line, centre beam %.1f, sine step %.9g\n", which, p.m_rlTime, p.m_brgCentre,
-                p.m_brgScale);
-}
-
-int Demo(const std::string& outDir)
-{
-    std::filesystem::create_directories(outDir);
-    const std::string path = outDir + "/ping.zrec";
-
-    CPing ping;
-    std::printf("Default ping: %d beams, %d lines/s, %.1f m/s, gate %.1f-%.1f m, TVG %u\n", ping.m_numBeams,
-                ping.m_modFreq, static_cast<double>(ping.m_sosXd), static_cast<double>(ping.m_startRngM),
-                static_cast<double>(ping.m_endRngM), ping.TVG());
-    PrintRow("Rx1", ping.m_rx1Idx);
-    PrintRow("Tx1", ping.m_tx1Idx);
-    PrintRow("Rx2", ping.m_rx2Idx);
-    PrintRow("Tx2", ping.m_tx2Idx);
-
-    {
-        CFile f;
-        if (!f.Open(CString::FromUtf8(path), CFile::modeCreate | CFile::modeWrite)) {
-            std::fprintf(stderr, "zanrec: cannot write %s\n", path.c_str());
-            return 1;
-        }
-        CArchive ar(&f, CArchive::store);
-        ping.Serialize(ar);
-        ar.Close();
-    }
-    std::printf("Recorded %s (%ju bytes)\n", path.c_str(), static_cast<uintmax_t>(std::filesystem::file_size(path)));
-
-    CPing back;
-    back.SetNumBeams(64);  // a different ping to read into
-    back.m_pingID = 0;
-    try {
-        CFile f;
-        if (!f.Open(CString::FromUtf8(path), CFile::modeRead)) {
-            std::fprintf(stderr, "zanrec: cannot read %s\n", path.c_str());
-            return 1;
-        }
-        CArchive ar(&f, CArchive::load);
-        back.Serialize(ar);
-    } catch (const CException& e) {
-        std::fprintf(stderr, "zanrec: %s: %s\n", path.c_str(), e.what());
-        return 1;
-    }
-
-    const bool same = RecordBytes(ping) == RecordBytes(back) && back.m_numBeams == ping.m_numBeams;
-    std::printf("Read back: the two pings %s\n", same ? "agree, record for record" : "DIFFER");
-    // Loading derives the bearing scale from the receive row's real pitch,
-    // where a new ping starts from the nominal 0.003125 m.
-    PrintScales("written", ping);
-    PrintScales("read   ", back);
-    return same ? 0 : 1;
-}
-} // namespace
 
 void AddGeoCommand(CLI::App& app);  // GeoCommand.cpp
 
@@ -89,11 +12,70 @@ int main(int argc, char** argv)
 {
     CLI::App app{"zanrec: synthesise, record, inspect and draw multibeam sonar pings with ZanData"};
     app.require_subcommand(1);
-    std::string out = "out/demo";
-    auto* demo = app.add_subcommand("demo", "run the whole road of a ping on a synthetic survey");
-    demo->add_option("--out", out, "folder for the recording and pictures");
+
+    zanrec::SynthOptions so;
+    auto* synth = app.add_subcommand("synth", "write a synthetic survey recording");
+    synth->add_option("--out", so.out, "recording to write")->required();
+    synth->add_option("--pings", so.pings, "number of pings")->check(CLI::Range(1, 100000));
+    synth->add_option("--beams", so.beams, "beams per ping")->check(CLI::Range(8, 4096));
+    synth->add_option("--ranges", so.ranges, "range lines per ping")->check(CLI::Range(16, 20000));
+    synth->add_option("--seed", so.seed, "seed of the survey's randomness");
+    synth->add_flag("--raw", so.raw, "record the raw 16-bit planes too");
+
+    std::string file;
+    auto* info = app.add_subcommand("info", "list the records of a recording");
+    info->add_option("file", file, "recording")->required();
+
+    int ping = 0;
+    auto* dump = app.add_subcommand("dump", "print every field of one ping");
+    dump->add_option("file", file, "recording")->required();
+    dump->add_option("--ping", ping, "ping number, from 0")->required();
+
+    zanrec::RenderOptions ro;
+    auto* render = app.add_subcommand("render", "draw one ping as a fan into a PNG");
+    render->add_option("file", ro.file, "recording")->required();
+    render->add_option("--ping", ro.ping, "ping number, from 0")->required();
+    render->add_option("--out", ro.out, "PNG to write")->required();
+    render->add_option("--size", ro.size, "picture size in pixels");
+    render->add_option("--colour", ro.colour, "colour table: grey or viridis");
+    render->add_option("--depth", ro.depth, "colour by depth, MIN:MAX metres");
+    render->add_option("--filter", ro.filter, "filter again with kernel 1..4");
+    render->add_flag("--grid", ro.grid, "draw the range grid");
+    render->add_flag("--overlays", ro.overlays, "draw targets and boundaries");
+
+    std::string out;
+    int size = 1000;
+    auto* mosaic = app.add_subcommand("mosaic", "lay every ping in the world into a PNG");
+    mosaic->add_option("file", file, "recording")->required();
+    mosaic->add_option("--out", out, "PNG to write")->required();
+    mosaic->add_option("--size", size, "picture size in pixels")->check(CLI::Range(16, 8192));
+
+    std::string type, at;
+    auto* sensors = app.add_subcommand("sensors", "print sensor records, or all interpolated at one time");
+    sensors->add_option("file", file, "recording")->required();
+    sensors->add_option("--type", type, "sensor type name or id");
+    sensors->add_option("--at", at, "time, seconds since 1970 UTC");
+
+    std::string demoDir = "out/demo";
+    int demoPings = 40;
+    auto* demo = app.add_subcommand("demo", "synthesise, record, check and draw a survey");
+    demo->add_option("--out", demoDir, "folder for the recording and the pictures");
+    demo->add_option("--pings", demoPings, "number of pings")->check(CLI::Range(1, 10000));
+
+    auto* cat = app.add_subcommand("catalogue", "print the transducer array catalogue");
+
     AddGeoCommand(app);
+
     CLI11_PARSE(app, argc, argv);
-    if (*demo) return Demo(out);
-    return 0;
+    int rc = 0;
+    if (*synth) rc = zanrec::Synth(so);
+    else if (*info) rc = zanrec::Info(file);
+    else if (*dump) rc = zanrec::Dump(file, ping);
+    else if (*render) rc = zanrec::Render(ro);
+    else if (*mosaic) rc = zanrec::Mosaic(file, out, size);
+    else if (*sensors) rc = zanrec::Sensors(file, type, at);
+    else if (*cat) rc = zanrec::Catalogue();
+    else if (*demo) rc = zanrec::Demo(demoDir, demoPings);
+    CTgtImg::CleanupStatic();
+    return rc;
 }

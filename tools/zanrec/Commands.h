@@ -1,0 +1,48 @@
+#pragma once
+// The subcommands of zanrec. Each returns the process's exit code and
+// reports errors as one line on stderr.
+#include <string>
+
+class CTgtImg;
+
+namespace zanrec {
+
+struct SynthOptions {
+    std::string out;
+    int pings = 40, beams = 256, ranges = 1000;
+    unsigned seed = 1;
+    bool raw = false;
+    int filter = 2;
+};
+
+struct RenderOptions {
+    std::string file, out;
+    int ping = 0;
+    int size = 800;
+    std::string colour = "grey";
+    std::string depth;  // "MIN:MAX" colours by depth
+    int filter = 0;     // 1..4 refilters the loaded image
+    bool grid = false, overlays = false;
+};
+
+// Draws one loaded image as a fan into a PNG (used by render and demo).
+bool RenderFan(CTgtImg& img, const RenderOptions& o, bool byDepth, double lo, double hi);
+
+// What synth did, for the demo's table.
+struct SynthReport {
+    double ms[7] = {};  // fill, normalise, filter, extents, create, detect, record: per ping
+    int pings = 0;
+    double imageBytes = 0, recordBytes = 0, fileBytes = 0;
+    size_t sensorRecords = 0;
+};
+
+int Synth(const SynthOptions& o, SynthReport* report = nullptr);
+int Info(const std::string& file);
+int Dump(const std::string& file, int ping);
+int Render(const RenderOptions& o);
+int Mosaic(const std::string& file, const std::string& out, int size);
+int Sensors(const std::string& file, const std::string& type, const std::string& at);
+int Catalogue();
+int Demo(const std::string& outDir, int pings);
+
+} // namespace zanrec
