@@ -29,8 +29,7 @@ bool LoadRecording(const std::string& path, Loaded& out)
             }
             if (!out.hasRef && rec->m_type == CSnsrInf::tPos) {
                 const auto& p = static_cast<const CSnsrPos&>(*rec);
-                out.ref.lat0 = p.m_geo.y;
-                out.ref.lon0 = p.m_geo.x;
+                out.ref.SetOrigin(p.m_geo.y, p.m_geo.x);
                 out.hasRef = true;
             }
             out.nav.Add(std::move(rec));

@@ -48,16 +48,66 @@ std::unique_ptr<CSnsrInf> InterpolateAs(const std::vector<const CSnsrInf*>& run,
 }
 } // namespace
 
+namespace {
+// Reads the shipped database once and selects WGS84 with the UTM zone of
+// `lon`; false when the database or the records are missing.
+bool SelectUtm(double lat, double lon)
+{
+    if (Geo::sphds.IsEmpty()) {
+        // Comment lines of the file are reported as unrecognised: keep the
+        // console quiet while reading.
+        auto old = Zan::SetSink([](Zan::Kind k, unsigned long, int, const CString&) { (void)k; });
+        Geo::ReadDb(Geo::DefaultDbPath());
+        Zan::SetSink(old);
+    }
+    const int zone = std::clamp(static_cast<int>(std::floor((lon + 180.0) / 6.0)) + 1, 1, 60);
+    CString name;
+    name.Format(u"UTM_%d%c", zone, lat >= 0 ? u'N' : u'S');
+    Geo::type = 0;
+    Geo::pSphdP = Geo::GetSphd(CString(u"WGS84"));
+    Geo::pProjP = Geo::GetProj(name);
+    Geo::pShift = nullptr;
+    return Geo::pSphdP && Geo::pProjP;
+}
+} // namespace
+
+void GridRef::SetOrigin(double lat0, double lon0)
+{
+    m_lat0 = lat0;
+    m_lon0 = lon0;
+    m_bGeo = SelectUtm(lat0, lon0);
+    if (m_bGeo) {
+        CV3 g;
+        m_bGeo = Geo::LLH_ENZ(CV3(lon0, lat0, 0.0), g, 0) == 1;
+        m_e0 = g.x;
+        m_n0 = g.y;
+    }
+}
+
 void GridRef::ToLatLon(double x, double y, double& lat, double& lon) const
 {
-    lat = lat0 + y / kEarthR * kR2D;
-    lon = lon0 + x / (kEarthR * std::cos(lat0 * kD2R)) * kR2D;
+    if (m_bGeo) {
+        CV3 g;
+        Geo::ENZ_LLH(CV3(m_e0 + x, m_n0 + y, 0.0), g, 0);
+        lat = g.y;
+        lon = g.x;
+        return;
+    }
+    lat = m_lat0 + y / kEarthR * kR2D;
+    lon = m_lon0 + x / (kEarthR * std::cos(m_lat0 * kD2R)) * kR2D;
 }
 
 void GridRef::ToGrid(double lat, double lon, double& x, double& y) const
 {
-    y = (lat - lat0) * kD2R * kEarthR;
-    x = (lon - lon0) * kD2R * kEarthR * std::cos(lat0 * kD2R);
+    if (m_bGeo) {
+        CV3 g;
+        Geo::LLH_ENZ(CV3(lon, lat, 0.0), g, 0);
+        x = g.x - m_e0;
+        y = g.y - m_n0;
+        return;
+    }
+    y = (lat - m_lat0) * kD2R * kEarthR;
+    x = (lon - m_lon0) * kD2R * kEarthR * std::cos(m_lat0 * kD2R);
 }
 
 std::vector<std::unique_ptr<CSnsrInf>> SynthNav(const Survey& s, const GridRef& ref, double t0, double t1)

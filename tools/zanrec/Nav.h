@@ -14,11 +14,22 @@
 
 namespace zanrec {
 
-// Geographic <-> survey grid (x east, y north from the survey origin, m).
-struct GridRef {
-    double lat0 = 0.0, lon0 = 0.0;  // degrees
+// Geographic <-> survey grid: x east, y north from the survey origin, in
+// metres of the UTM zone of the origin on WGS84, converted through Geo with
+// the shipped database (a local tangent plane if the database is missing).
+class GridRef {
+public:
+    GridRef() = default;
+    GridRef(double lat0, double lon0) { SetOrigin(lat0, lon0); }
+    void SetOrigin(double lat0, double lon0);
     void ToLatLon(double x, double y, double& lat, double& lon) const;
     void ToGrid(double lat, double lon, double& x, double& y) const;
+    bool UsesGeo() const { return m_bGeo; }
+
+private:
+    double m_lat0 = 0.0, m_lon0 = 0.0;  // degrees
+    double m_e0 = 0.0, m_n0 = 0.0;      // grid of the origin
+    bool m_bGeo = false;
 };
 
 // The records of one survey second by second, in time order: position 10 Hz,

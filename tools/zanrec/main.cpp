@@ -77,5 +77,6 @@ int main(int argc, char** argv)
     else if (*cat) rc = zanrec::Catalogue();
     else if (*demo) rc = zanrec::Demo(demoDir, demoPings);
     CTgtImg::CleanupStatic();
+    Geo::ClearDb();
     return rc;
 }

@@ -1,0 +1,152 @@
+#!/usr/bin/env python3
+"""End-to-end checks of zanrec: a small synthetic survey is written, listed,
+drawn and damaged, and the tool's answers are checked."""
+import os
+import struct
+import subprocess
+import sys
+import tempfile
+import zlib
+
+TOOL = sys.argv[1]
+FAILS = []
+
+
+def run(*args, ok=True):
+    p = subprocess.run([TOOL, *args], capture_output=True, text=True, timeout=120)
+    if ok and p.returncode != 0:
+        FAILS.append(f"{' '.join(args)} exited {p.returncode}: {p.stderr.strip()}")
+    return p
+
+
+def check(cond, what):
+    if not cond:
+        FAILS.append(what)
+
+
+def read_png(path):
+    """Width, height and RGBA rows of an 8-bit RGBA PNG (the tool's own kind)."""
+    data = open(path, 'rb').read()
+    assert data[:8] == b'\x89PNG\r\n\x1a\n', 'not a PNG'
+    pos, idat, w, h = 8, b'', 0, 0
+    while pos < len(data):
+        n, kind = struct.unpack('>I4s', data[pos:pos + 8])
+        body = data[pos + 8:pos + 8 + n]
+        if kind == b'IHDR':
+            w, h, depth, ctype = struct.unpack('>IIBB', body[:10])
+            assert depth == 8 and ctype == 6, 'expected 8-bit RGBA'
+        elif kind == b'IDAT':
+            idat += body
+        pos += 12 + n
+    raw = zlib.decompress(idat)
+    stride, rows, prev = w * 4, [], bytearray(w * 4)
+    for y in range(h):
+        f = raw[y * (stride + 1)]
+        line = bytearray(raw[y * (stride + 1) + 1:(y + 1) * (stride + 1)])
+        for i in range(stride):
+            a = line[i - 4] if i >= 4 else 0
+            b = prev[i]
+            c = prev[i - 4] if i >= 4 else 0
+            if f == 1: line[i] = (line[i] + a) & 255
+            elif f == 2: line[i] = (line[i] + b) & 255
+            elif f == 3: line[i] = (line[i] + (a + b) // 2) & 255
+            elif f == 4:
+                p = a + b - c
+                pa, pb, pc = abs(p - a), abs(p - b), abs(p - c)
+                pr = a if pa <= pb and pa <= pc else (b if pb <= pc else c)
+                line[i] = (line[i] + pr) & 255
+        rows.append(bytes(line))
+        prev = line
+    return w, h, rows
+
+
+def pixel(rows, x, y):
+    return tuple(rows[y][4 * x:4 * x + 4])
+
+
+def frames(path):
+    """Offsets and lengths of the frames of a recording."""
+    data = open(path, 'rb').read()
+    out, pos = [], 8
+    while pos + 12 <= len(data):
+        n = struct.unpack('<I', data[pos + 4:pos + 8])[0]
+        out.append((pos, data[pos], n))
+        pos += 12 + n
+    return out
+
+
+with tempfile.TemporaryDirectory() as tmp:
+    rec = os.path.join(tmp, 'survey.zrec')
+    run('synth', '--out', rec, '--pings', '6', '--beams', '64', '--ranges', '300', '--seed', '7')
+    check(os.path.getsize(rec) > 1000, 'recording is too small')
+
+    # Deterministic for a seed.
+    rec2 = os.path.join(tmp, 'again.zrec')
+    run('synth', '--out', rec2, '--pings', '6', '--beams', '64', '--ranges', '300', '--seed', '7')
+    check(open(rec, 'rb').read() == open(rec2, 'rb').read(), 'synth is not deterministic for a seed')
+
+    info = run('info', rec)
+    lines = [l for l in info.stdout.splitlines() if l[:1].isdigit()]
+    check(len(lines) == 6, f'info lists {len(lines)} pings, not 6')
+    check(all('64x300' in l for l in lines), 'info does not show 64x300 for every ping')
+    check('Geo Position' in info.stdout or 'Position' in info.stdout, 'info does not list the sensor records')
+
+    dump = run('dump', rec, '--ping', '2')
+    check('m_numBeams' in dump.stdout and 'm_sosAvg' in dump.stdout and 'm_nState' in dump.stdout,
+          'dump lacks fields')
+    bad = run('dump', rec, '--ping', '99', ok=False)
+    check(bad.returncode != 0 and 'out of range' in bad.stderr, 'dump of a missing ping is not refused clearly')
+
+    png = os.path.join(tmp, 'fan.png')
+    run('render', rec, '--ping', '5', '--out', png, '--size', '200', '--grid', '--overlays')
+    w, h, rows = read_png(png)
+    check((w, h) == (200, 200), f'picture is {w}x{h}, not 200x200')
+    # The fan opens upward from the bottom centre: the corners are background,
+    # and the fan's middle, well inside the range, is drawn.
+    bg = pixel(rows, 2, 2)
+    check(pixel(rows, w - 3, 2) == bg, 'top right corner is not background')
+    inside = [pixel(rows, w // 2 + dx, h // 2 + dy) for dx in range(-10, 11, 5) for dy in range(-10, 11, 5)]
+    check(sum(p != bg for p in inside) >= len(inside) // 2, 'the fan is not drawn in the middle of the picture')
+    # Outside the fan's 60-degree edge, low on the left, stays background.
+    check(pixel(rows, 12, h - 30) == bg, 'the fan spills past its edge')
+
+    mos = os.path.join(tmp, 'mosaic.png')
+    run('mosaic', rec, '--out', mos, '--size', '160')
+    mw, mh, _ = read_png(mos)
+    check((mw, mh) == (160, 160), 'mosaic has the wrong size')
+
+    # Damage: cut the file inside the fourth ping frame.
+    fr = frames(rec)
+    pings = [f for f in fr if f[1] == 1]
+    cut = os.path.join(tmp, 'cut.zrec')
+    data = open(rec, 'rb').read()
+    open(cut, 'wb').write(data[:pings[3][0] + 40])
+    p = run('info', cut, ok=False)
+    check(p.returncode != 0, 'info of a cut recording succeeds')
+    idx = fr.index(pings[3])
+    check(f'frame {idx}' in p.stderr, f'info does not name frame {idx}: {p.stderr.strip()}')
+    check(len([l for l in p.stdout.splitlines() if l[:1].isdigit()]) == 3, 'the three whole pings are not listed')
+
+    # Damage: a flipped byte inside the second ping frame fails its CRC.
+    flip = bytearray(data)
+    flip[pings[1][0] + 100] ^= 0x5A
+    fl = os.path.join(tmp, 'flip.zrec')
+    open(fl, 'wb').write(flip)
+    p = run('info', fl, ok=False)
+    check(p.returncode != 0 and 'CRC' in p.stderr, 'a flipped byte is not reported as a CRC mismatch')
+    check(len([l for l in p.stdout.splitlines() if l[:1].isdigit()]) == 1, 'the whole ping before it is not listed')
+
+    # Not a recording, and a missing file: one line, no crash.
+    junk = os.path.join(tmp, 'junk.bin')
+    open(junk, 'wb').write(b'hello world, not a recording')
+    for f in (junk, os.path.join(tmp, 'missing.zrec')):
+        p = run('info', f, ok=False)
+        check(p.returncode not in (0,) and p.returncode > 0, f'info {f} did not fail cleanly ({p.returncode})')
+        check(len(p.stderr.strip().splitlines()) == 1, f'info {f} did not give one error line')
+
+if FAILS:
+    for f in FAILS:
+        print('FAIL:', f)
+    print(f'0 passed, {len(FAILS)} failed')
+    sys.exit(1)
+print('tool end to end: all checks passed')
