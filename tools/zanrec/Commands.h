@@ -43,6 +43,7 @@ int Render(const RenderOptions& o);
 int Mosaic(const std::string& file, const std::string& out, int size);
 int Sensors(const std::string& file, const std::string& type, const std::string& at);
 int Catalogue();
+int Panels(const std::string& file, const std::string& outDir);
 int Demo(const std::string& outDir, int pings);
 
 } // namespace zanrec

@@ -56,6 +56,8 @@ int Demo(const std::string& outDir, int pings)
     const std::string mosaic = outDir + "/mosaic.png";
     const bool mosaicOk = Mosaic(so.out, mosaic, 800) == 0;
 
+    const bool panelsOk = Panels(so.out, outDir) == 0;
+
     static const char* const steps[7] = {"fill ping and raw plane", "Normalise8", "Filter", "SetupExtents",
                                          "CreateImg", "detect targets, boundary", "record (Serialize)"};
     std::printf("\nZanData demo\n");
@@ -69,7 +71,8 @@ int Demo(const std::string& outDir, int pings)
     for (int k = 0; k < 7; ++k) std::printf("    %-24s %8.2f\n", steps[k], rep.ms[k]);
     std::printf("  pictures                  %s%s, %s%s\n", ro.out.c_str(), fanOk ? "" : " (FAILED)", mosaic.c_str(),
                 mosaicOk ? "" : " (FAILED)");
-    return same == static_cast<int>(rec.pings.size()) && fanOk && mosaicOk ? 0 : 1;
+    if (!panelsOk) std::printf("  panels                    FAILED\n");
+    return same == static_cast<int>(rec.pings.size()) && fanOk && mosaicOk && panelsOk ? 0 : 1;
 }
 
 } // namespace zanrec

@@ -62,6 +62,11 @@ int main(int argc, char** argv)
     demo->add_option("--out", demoDir, "folder for the recording and the pictures");
     demo->add_option("--pings", demoPings, "number of pings")->check(CLI::Range(1, 10000));
 
+    std::string panelDir;
+    auto* panels = app.add_subcommand("panels", "replay the sensor records into the panels and save their pictures");
+    panels->add_option("file", file, "recording")->required();
+    panels->add_option("--out", panelDir, "folder for the pictures")->required();
+
     auto* cat = app.add_subcommand("catalogue", "print the transducer array catalogue");
 
     AddGeoCommand(app);
@@ -74,6 +79,7 @@ int main(int argc, char** argv)
     else if (*render) rc = zanrec::Render(ro);
     else if (*mosaic) rc = zanrec::Mosaic(file, out, size);
     else if (*sensors) rc = zanrec::Sensors(file, type, at);
+    else if (*panels) rc = zanrec::Panels(file, panelDir);
     else if (*cat) rc = zanrec::Catalogue();
     else if (*demo) rc = zanrec::Demo(demoDir, demoPings);
     CTgtImg::CleanupStatic();
