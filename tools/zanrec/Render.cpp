@@ -103,10 +103,12 @@ bool RenderFan(CTgtImg& img, const RenderOptions& o, bool byDepth, double lo, do
         return false;
     }
     const double far = img.Ping()->GetImgRLM(static_cast<int>(img.m_nEndRng));
-    const double margin = far * 0.06;
+    // The fan spans x within +-far sin 60 and y from 0 to far: a square
+    // view round its middle holds it with a margin.
+    const double half = far * 0.92;
     gl.Clear(0.02f, 0.03f, 0.08f, 1.0f);
-    gl.SetOrtho(-far - margin, far + margin, -margin, 2 * far + margin);
-    CDsp dsp(2 * (far + margin) / o.size, 0.0, 0.0);
+    gl.SetOrtho(-half, half, far * 0.5 - half, far * 0.5 + half);
+    CDsp dsp(2 * half / o.size, 0.0, 0.0);
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     // The fan's bearing 0 lies along +x; the grid's along +y: mirror x and y
@@ -158,7 +160,7 @@ int Mosaic(const std::string& file, const std::string& out, int size)
             img->m_tgtRec.m_sosAvg = pose.sos;
             img->SetupExtents(sonar, tilt);
         }
-        img->CreateImg(tbl, 3, 1, 10.0, 20.0, true);
+        img->CreateImg(tbl, 3, 0, 0.0, 0.0, true);
         for (size_t b = 0; b < img->m_vStart.size(); ++b)
             for (const CV3& v : {img->m_vStart[b], img->m_vEnd[b]})
                 if (v.Finite()) {

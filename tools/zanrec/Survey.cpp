@@ -24,12 +24,12 @@ Survey::Survey(const SurveyConfig& cfg) : m_cfg(cfg), m_rng(cfg.seed)
     };
     std::uniform_real_distribution<double> u(-1.0, 1.0);
     // A pipe across the line, 30 m ahead.
-    for (double s = -25.0; s <= 25.0; s += 0.25) m_objects.push_back({on(30.0 + 0.15 * s, s), 0.55});
+    for (double s = -25.0; s <= 25.0; s += 0.25) m_objects.push_back({on(30.0 + 0.15 * s, s), 2.5});
     // A box, 4 m by 2 m, 22 m ahead and 9 m to starboard.
     for (double a = -2.0; a <= 2.0; a += 0.25)
-        for (double b = -1.0; b <= 1.0; b += 0.5) m_objects.push_back({on(22.0 + b, 9.0 + a), 0.8});
+        for (double b = -1.0; b <= 1.0; b += 0.5) m_objects.push_back({on(22.0 + b, 9.0 + a), 3.0});
     // A wreck-like cluster 40 m ahead, 10 m to port.
-    for (int k = 0; k < 60; ++k) m_objects.push_back({on(40.0 + 5.0 * u(m_rng), -10.0 + 3.0 * u(m_rng)), 1.0});
+    for (int k = 0; k < 60; ++k) m_objects.push_back({on(40.0 + 5.0 * u(m_rng), -10.0 + 3.0 * u(m_rng)), 4.0});
 }
 
 double Survey::SeabedDepth(double x, double y) const
@@ -113,7 +113,7 @@ void Survey::FillRaw(CTgtImg& img, int i, const Pose& pose)
             if (dz <= 0 || dz >= r) continue;
             const double th = std::asin(dz / r);
             const double w = std::exp(-((th - a) / sigma) * ((th - a) / sigma));
-            echo[static_cast<size_t>(l) * B + b] = 0.35 * w * (0.4 + std::sin(th));
+            echo[static_cast<size_t>(l) * B + b] = 0.22 * w * (0.4 + std::sin(th));
         }
     }
     // The objects, as small bright blobs where they fall in the fan.

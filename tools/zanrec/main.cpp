@@ -6,6 +6,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
+
 void AddGeoCommand(CLI::App& app);  // GeoCommand.cpp
 
 int main(int argc, char** argv)
@@ -71,7 +73,18 @@ int main(int argc, char** argv)
 
     AddGeoCommand(app);
 
+    bool verbose = false;
+    app.add_flag("-v,--verbose", verbose, "show the library's status lines");
+
     CLI11_PARSE(app, argc, argv);
+    // The library reports status lines (timings, counts) for a live display;
+    // the tool shows them only when asked, and always shows alarms.
+    if (!verbose)
+        Zan::SetSink([](Zan::Kind kind, unsigned long id, int level, const CString& text) {
+            if (kind != Zan::Kind::Status)
+                std::fprintf(stderr, "zandata %s %lu [%d]: %s\n", kind == Zan::Kind::Alarm ? "alarm" : "console", id,
+                             level, text.Utf8().c_str());
+        });
     int rc = 0;
     if (*synth) rc = zanrec::Synth(so);
     else if (*info) rc = zanrec::Info(file);
