@@ -144,6 +144,58 @@ with tempfile.TemporaryDirectory() as tmp:
         check(p.returncode not in (0,) and p.returncode > 0, f'info {f} did not fail cleanly ({p.returncode})')
         check(len(p.stderr.strip().splitlines()) == 1, f'info {f} did not give one error line')
 
+    # Sensors: every type listed by info with its rate, one type printed,
+    # every type interpolated at a ping's time.
+    check('Heading' in info.stdout or 'Gyro' in info.stdout, 'info does not list headings')
+    sens = run('sensors', rec, '--type', '1')
+    check(len(sens.stdout.splitlines()) >= 10 and '\u00b0' in sens.stdout, 'sensors --type 1 prints no positions')
+    at = run('sensors', rec, '--at', '1767225600.5')
+    check(len(at.stdout.splitlines()) >= 5, 'sensors --at does not interpolate every type')
+
+    # The frame a ping takes from the sensor records follows the survey's own
+    # track: the synthesis moves 2 m/s on a course of 30 degrees with a slow
+    # weave, and the head stands 1 m ahead of the reference point.
+    import math
+    for k in (0, 3, 5):
+        d = run('dump', rec, '--ping', str(k)).stdout
+        line = [l for l in d.splitlines() if l.strip().startswith('sonar')]
+        check(len(line) == 1, f'dump --ping {k} shows no frame from the sensor records')
+        if not line:
+            continue
+        f = line[0].split()
+        x, y, hdg = float(f[2]), float(f[3]), float(f[6])
+        dt = k / 5.0
+        h = math.radians(30.0)
+        weave = 0.8 * math.sin(dt / 6.0)
+        hh = h + 0.02 * math.cos(dt / 6.0)
+        ex = 2.0 * dt * math.sin(h) + weave * math.cos(h) + math.sin(hh)
+        ey = 2.0 * dt * math.cos(h) - weave * math.sin(h) + math.cos(hh)
+        err = math.hypot(x - ex, y - ey)
+        check(err < 0.05, f'ping {k}: frame {x:.3f},{y:.3f} is {err:.3f} m off the track {ex:.3f},{ey:.3f}')
+        check(abs(hdg - hh) < 0.002, f'ping {k}: heading {hdg:.4f} rad differs from the track {hh:.4f}')
+
+    # A sensor frame whose CRC is right but whose record is cut short is
+    # reported, and every ping is still listed.
+    sensor = [f for f in fr if f[1] == 2][5]
+    bad = bytearray(data)
+    start, n = sensor[0] + 12, sensor[2]
+    payload = bytes(bad[start:start + n - 3])
+    tail = bytes(bad[start + n:])
+    hdr = bytes(bad[sensor[0]:sensor[0] + 4]) + struct.pack('<II', len(payload), zlib.crc32(payload) & 0xFFFFFFFF)
+    bad = bytes(bad[:sensor[0]]) + hdr + payload + tail
+    sb = os.path.join(tmp, 'sensor.zrec')
+    open(sb, 'wb').write(bad)
+    p = run('info', sb, ok=False)
+    check(p.returncode != 0 and 'sensor' in p.stderr and f'frame {fr.index(sensor)}' in p.stderr,
+          f'a cut sensor record is not reported by its frame: {p.stderr.strip()}')
+    check(len([l for l in p.stdout.splitlines() if l[:1].isdigit()]) == 6, 'the pings are not all listed')
+
+    # The panels' pictures.
+    pd = os.path.join(tmp, 'panels')
+    run('panels', rec, '--out', pd)
+    for name in ('sensors-list.png', 'sensors-grid.png'):
+        check(os.path.exists(os.path.join(pd, name)), f'panels wrote no {name}')
+
 if FAILS:
     for f in FAILS:
         print('FAIL:', f)
