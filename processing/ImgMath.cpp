@@ -425,6 +425,7 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
         std::vector<std::uint32_t> colMax;
         std::vector<float> rcpCol;
         size_t known = 0;  // lines whose rowRaw is known
+        std::uint32_t colTop = 0;  // the greatest column maximum
         if (anyCol) {
             // Column maxima need every line from 50 on before the first byte.
             std::vector<unsigned short> colS(cols, 0);
@@ -437,6 +438,7 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
             for (size_t c = 0; c < cols; ++c) {
                 colMax[c] = quotient(colS[c]);
                 rcpCol[c] = 1.0f / static_cast<float>(colMax[c]);
+                colTop = std::max(colTop, colMax[c]);
             }
         }
         // Otherwise each line is read for its maximum just ahead of its bytes
@@ -455,7 +457,9 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
             const BYTE* row = src + 2 * r * cols;
             const std::uint32_t* cm = anyCol ? colMax.data() : nullptr;
             const float* rc = anyCol ? rcpCol.data() : nullptr;
-            if (avx512 && !anyCol && g < den && static_cast<std::uint64_t>(rowS[r]) * den <= (1ull << 32))
+            // A line at least as strong as every column has one divisor.
+            const bool oneDen = !anyCol || den >= colTop;
+            if (avx512 && oneDen && g < den && static_cast<std::uint64_t>(rowS[r]) * den <= (1ull << 32))
                 NormRowWordsAvx512(row, dst + r * cols, cols, G, g, den);
             else if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
             else NormRowAvx2(row, dst + r * cols, cols, G, den, cm, rc);
