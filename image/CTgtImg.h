@@ -311,6 +311,7 @@ public:
     // record; 1 when absent or 0), -84.0 for a sample of 0 (64 is 0 dB).
     // 0.0 without m_pImg, outside the span, or unless the ping's m_gainMode is 1.
     double GetIntensityDB(int rngIdx, int brgIdx, int win);
+
     // ---- Display: placing, picture, drawing (render/) ----
     // None of these take a lock; the caller holds the image. The drawing calls
     // make OpenGL calls into the context current on the calling thread (the

@@ -10,11 +10,15 @@
 // intensity and depth index in bytes 0 and 1 of each pixel and colouring
 // them in a last pass: the depth index that survives in a pixel is always the
 // one of the last line folded onto it (once byte 0 exceeds 8 it stays above),
-// so it is worked out for that line only.
+// so it is worked out for that line only. When all lines of a row share one
+// correction table, and it rises with the sample (it does unless a gain
+// overflows 32 bits), max and table commute: the raw samples are folded and
+// the table is applied once per pixel, through the colour table.
 #include "image/CTgtImg.h"
 
 #include "core/platform/CColTbl.h"
 #include "ping/CPing.h"
+#include "render/DspRow.hpp"
 
 #include <algorithm>
 #include <array>
@@ -24,16 +28,6 @@
 #include <vector>
 
 namespace {
-
-// floor(v) as an integer, for finite values in range; NaN gives 0 and values
-// beyond the range of int are held at its ends (the caller clamps further).
-inline int FloorToInt(double v)
-{
-    if (!(v > -2147483648.0)) return v != v ? 0 : INT32_MIN;
-    if (!(v < 2147483647.0)) return INT32_MAX;
-    const int t = static_cast<int>(v);
-    return t - (static_cast<double>(t) > v);
-}
 
 // floor(10^(dB / 20) + 0.5): the gain factor of a level in decibels, held at
 // the ends of the unsigned range (the sane levels, 0 to 96 dB, never get near).
@@ -91,6 +85,33 @@ Gain GainRatio(const CPing& p)
     return r;
 }
 
+// The correction of one line as a table of 256 bytes: the ratio, then the
+// line's rescaling, in unsigned 32-bit integers, each limited to 255.
+struct LineLut {
+    bool ratio = false;
+    bool rescale = false;
+    std::uint32_t g = 0, rec = 0;
+    bool operator==(const LineLut&) const = default;
+    bool Identity() const { return !ratio && !rescale; }
+};
+
+void FillLut(const LineLut& k, const Gain& ratio, BYTE* lut)
+{
+    for (std::uint32_t v = 0; v < 256; ++v) {
+        std::uint32_t w = v;
+        if (k.ratio) w = std::min<std::uint32_t>(w * ratio.num / ratio.den, 255u);
+        if (k.rescale) w = std::min<std::uint32_t>(w * k.g / k.rec, 255u);
+        lut[v] = static_cast<BYTE>(w);
+    }
+}
+
+bool Monotone(const BYTE* lut)
+{
+    for (int v = 1; v < 256; ++v)
+        if (lut[v] < lut[v - 1]) return false;
+    return true;
+}
+
 void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& tbl, int depthCol,
                 double depthMin, double depthMax, unsigned& nSkip, unsigned& nRows)
 {
@@ -113,102 +134,119 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
         gFixed = std::min<std::uint32_t>(DbToFactor(ping.m_bfGain), 65535u);
     const std::uint32_t ramp = static_cast<std::uint32_t>(pl.decim) * ping.m_swGainRamp;
     const std::uint32_t base = static_cast<std::uint32_t>(static_cast<int>(ping.m_bfGain)) << 8;
-
     const bool useRatio = pl.bCorrRatio && ratio.den != 0;
-    std::array<BYTE, 256> lut {};
-    bool lutValid = false;
-    std::uint32_t lutG = 0, lutRec = 0;
-    bool lutRescale = false;
+
+    auto lineKey = [&](unsigned r) {
+        LineLut k;
+        k.ratio = useRatio;
+        if (!gainTable) return k;
+        std::uint32_t g = 0;
+        switch (ping.m_gainMode) {
+        case 0: g = (((ramp * r) >> 2) + base) >> 8; break;
+        case 1:
+        case 2: g = gFixed; break;
+        default: break;
+        }
+        std::uint32_t rec = 0;
+        if (r < pl.nLX) {
+            std::uint16_t w;
+            std::memcpy(&w, pl.pLX + static_cast<std::size_t>(r) * 4, sizeof w);
+            rec = w;
+        }
+        if (pl.bCorrLine && rec != 0 && rec != g) {
+            k.rescale = true;
+            k.g = g;
+            k.rec = rec;
+        }
+        return k;
+    };
+
+    // The table of the lines folded last, and the colours through it.
+    std::array<BYTE, 256> identity {};
+    for (int v = 0; v < 256; ++v) identity[static_cast<std::size_t>(v)] = static_cast<BYTE>(v);
+    std::array<BYTE, 256> lut {}, lineLut {};
+    LineLut lutKey, lineKeyCached;
+    bool lutValid = false, lineValid = false;
+    std::vector<CRgb> ctab(256);
+    zan_dsp::Planes ctabPlanes;
+    const BYTE* ctabFor = nullptr;  // which table ctab was made through
+    auto colourTable = [&](const BYTE* l) {
+        if (ctabFor != l) {
+            for (int v = 0; v < 256; ++v) ctab[static_cast<std::size_t>(v)] = pTbl[l[v]];
+            ctabPlanes.Set(ctab.data());
+            ctabFor = l;
+        }
+    };
 
     std::vector<BYTE> acc(pl.nW);
     // Depth geometry of each column, for the depth colouring.
     std::vector<double> sz, dz;
-    std::size_t nVec = 0;
+    zan_dsp::DepthRow dr {};
+    zan_dsp::Planes tblPlanes;
     if (depthCol) {
-        nVec = std::min<std::size_t>({pl.nW, pl.pStart->size(), pl.pEnd->size()});
+        tblPlanes.Set(pTbl);
+        const std::size_t nVec = std::min<std::size_t>({pl.nW, pl.pStart->size(), pl.pEnd->size()});
         sz.resize(nVec);
         dz.resize(nVec);
         for (std::size_t x = 0; x < nVec; ++x) {
             sz[x] = (*pl.pStart)[x].z;
             dz[x] = (*pl.pEnd)[x].z - (*pl.pStart)[x].z;
         }
+        dr = {sz.data(), dz.data(), nVec, 0.0, depthMin, scale, nc, pTbl, &tblPlanes, identity.data()};
     }
-
-    auto colourRow = [&](CRgb* dst, const BYTE* a, unsigned rLast, bool filled) {
+    auto colourRow = [&](CRgb* dst, const BYTE* l, unsigned rLast) {
         if (!depthCol) {
-            for (unsigned x = 0; x < pl.nW; ++x) dst[x] = pTbl[a[x]];
+            colourTable(l);
+            zan_dsp::ColourRow(acc.data(), pl.nW, ctab.data(), ctabPlanes, dst);
             return;
         }
-        const double frac = filled ? static_cast<double>(rLast) / pl.nRngs : 0.0;
-        for (unsigned x = 0; x < pl.nW; ++x) {
-            const unsigned i = a[x];
-            if (i <= 8) {
-                dst[x] = CRgb(0, 0, 0, 0);
-                continue;
-            }
-            // Byte 1 keeps the low 8 bits of the index, so a depth below
-            // depthMin wraps round the first 256 entries; a table always has
-            // at least 256, so no index reaches beyond it.
-            unsigned b1 = 0;
-            if (x < nVec) {
-                const double depth = dz[x] * frac + sz[x];
-                int idx = FloorToInt((depth - depthMin) * scale + 0.5);
-                if (idx >= nc) idx = nc - 1;
-                b1 = static_cast<unsigned>(idx) & 0xFFu;
-            }
-            const CRgb c = pTbl[b1];
-            const unsigned k = std::min(i + 126u, 255u);  // brightness k / 256
-            dst[x] = CRgb(static_cast<BYTE>((c.r * k) >> 8), static_cast<BYTE>((c.g * k) >> 8),
-                          static_cast<BYTE>((c.b * k) >> 8), pTbl[i].a);
-        }
+        dr.frac = static_cast<double>(rLast) / pl.nRngs;
+        dr.lut = l;
+        zan_dsp::DepthColourRow(acc.data(), pl.nW, dr, dst);
     };
 
+    std::vector<LineLut> keys(m);
     unsigned r = 0, row = 0;
     while (r < pl.nLines && row < pl.nH) {
-        std::fill(acc.begin(), acc.end(), BYTE(0));
         const unsigned rEnd = std::min(r + m, pl.nLines);
-        for (; r < rEnd; ++r) {
-            bool rescale = false;
-            std::uint32_t g = 0, rec = 0;
-            if (gainTable) {
-                switch (ping.m_gainMode) {
-                case 0: g = ((ramp * r) >> 2) + base; g >>= 8; break;
-                case 1:
-                case 2: g = gFixed; break;
-                default: g = 0; break;
-                }
-                if (r < pl.nLX) {
-                    std::uint16_t w;
-                    std::memcpy(&w, pl.pLX + static_cast<std::size_t>(r) * 4, sizeof w);
-                    rec = w;
-                }
-                rescale = pl.bCorrLine && rec != 0 && rec != g;
+        for (unsigned j = r; j < rEnd; ++j) keys[j - r] = lineKey(j);
+        const bool same = std::all_of(keys.begin(), keys.begin() + (rEnd - r),
+                                      [&](const LineLut& k) { return k == keys[0]; });
+        const BYTE* rowLut = identity.data();
+        if (same && !keys[0].Identity()) {
+            if (!lutValid || !(lutKey == keys[0])) {
+                FillLut(keys[0], ratio, lut.data());
+                lutKey = keys[0];
+                lutValid = Monotone(lut.data());
+                if (!lutValid) lutKey = LineLut();
+                ctabFor = nullptr;
             }
-            const BYTE* s = pl.pSrc + static_cast<std::size_t>(r) * pl.nW;
-            if (!useRatio && !rescale) {
-                for (unsigned x = 0; x < pl.nW; ++x) acc[x] = std::max(acc[x], s[x]);
+            // A rising table commutes with the maximum: fold the raw samples
+            // and correct the row once.
+            if (lutValid) rowLut = lut.data();
+        }
+        std::fill(acc.begin(), acc.end(), BYTE(0));
+        for (unsigned j = r; j < rEnd; ++j) {
+            const BYTE* s = pl.pSrc + static_cast<std::size_t>(j) * pl.nW;
+            const LineLut& k = keys[j - r];
+            if (rowLut != identity.data() || k.Identity()) {
+                zan_dsp::MaxRow(acc.data(), s, pl.nW);
                 continue;
             }
-            if (!lutValid || lutRescale != rescale || (rescale && (lutG != g || lutRec != rec))) {
-                for (std::uint32_t v = 0; v < 256; ++v) {
-                    std::uint32_t w = v;
-                    if (useRatio) w = std::min<std::uint32_t>(w * ratio.num / ratio.den, 255u);
-                    if (rescale) w = std::min<std::uint32_t>(w * g / rec, 255u);
-                    lut[v] = static_cast<BYTE>(w);
-                }
-                lutValid = true;
-                lutRescale = rescale;
-                lutG = g;
-                lutRec = rec;
+            if (!lineValid || !(lineKeyCached == k)) {
+                FillLut(k, ratio, lineLut.data());
+                lineKeyCached = k;
+                lineValid = true;
             }
-            for (unsigned x = 0; x < pl.nW; ++x) acc[x] = std::max(acc[x], lut[s[x]]);
+            for (unsigned x = 0; x < pl.nW; ++x) acc[x] = std::max(acc[x], lineLut[s[x]]);
         }
-        colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, acc.data(), rEnd - 1, true);
+        colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, rowLut, rEnd - 1);
+        r = rEnd;
         ++row;
     }
     // Rows that no line reached hold intensity 0.
     std::fill(acc.begin(), acc.end(), BYTE(0));
-    for (; row < pl.nH; ++row) colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, acc.data(), 0, false);
+    for (; row < pl.nH; ++row) colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, identity.data(), 0);
 }
 
 } // namespace
