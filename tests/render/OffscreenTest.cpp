@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <unistd.h>
 
@@ -199,4 +200,35 @@ TEST(CColTbl, GreyAndViridisAreOpaqueRampsOf256)
             EXPECT_LE(std::abs(v[i].b - v[i - 1].b), 3) << i;
         }
     }
+}
+
+TEST(CTgtImg, DestroyingADrawnImageDeletesItsTextureOnlyWithAContext)
+{
+    CColTbl grey = CColTbl::Grey();
+    {
+        COffscreenGL gl(16, 16);
+        ASSERT_TRUE(gl.IsValid());
+        CTgtImg img;
+        img.Alloc(4, 4);
+        img.CreateImg(grey, 0, 0, 0.0, 0.0, false);
+        img.DrawFan(0.0, 0, 0.0f);
+        const GLuint tex = img.m_nTexId;
+        ASSERT_NE(tex, 0u);
+        EXPECT_TRUE(glIsTexture(tex));
+        // A second image, drawn and destroyed while the first lives.
+        auto other = std::make_unique<CTgtImg>();
+        other->Alloc(4, 4);
+        other->CreateImg(grey, 0, 0, 0.0, 0.0, false);
+        other->DrawFan(0.0, 0, 0.0f);
+        const GLuint t2 = other->m_nTexId;
+        ASSERT_NE(t2, tex);
+        ASSERT_TRUE(glIsTexture(t2));
+        other.reset();
+        EXPECT_FALSE(glIsTexture(t2));
+        EXPECT_TRUE(glIsTexture(tex));
+    }
+    // No context current any more: the image's texture name has nowhere to
+    // go, and destroying it must simply not touch OpenGL.
+    CTgtImg orphan;
+    orphan.m_nTexId = 7;
 }
