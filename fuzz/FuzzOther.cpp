@@ -4,7 +4,10 @@
 #include "fuzz/FuzzText.h"
 #include "fuzz/FuzzUtil.h"
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
+#include <vector>
 
 namespace zanfuzz {
 
@@ -70,8 +73,52 @@ void FuzzGeoDb(const uint8_t* data, size_t size)
     Check(n == 0 || nBack > 0, "geodb: the written database reads back empty");
 }
 
-// The settings file. What loads is given to Geo::Settings, object by object,
-// as a host's start-up does, and saved and loaded again as text.
+// Byte 0: bit 0 sets m_bGraph (straight lines). The rest is a tide file.
+// The table is queried at and between its points, and goes through the
+// settings form and back.
+void FuzzTide(const uint8_t* data, size_t size)
+{
+    Input in{data, size};
+    const int bGraph = in.Byte() & 1;
+    CTextFile file(in.p, in.n);
+    if (file.Path().IsEmpty()) return;
+    CTideObj tide;
+    tide.m_bGraph = bGraph;
+    tide.ReadTHL(file.Path());
+
+    std::vector<double> times, values;
+    for (CZanPtr* pos = tide.GetHeadPos(); pos;) {
+        const CTmVal* p = tide.GetNext(pos);
+        times.push_back(p->m_tm);
+        values.push_back(p->m_val);
+    }
+    const bool bFinite = std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
+    const auto [lo, hi] = std::minmax_element(values.begin(), values.end());
+    const auto check = [&](double tm) {
+        const double h = tide.GetRaw(tm);
+        // Both rules stay within the two heights they join.
+        if (bFinite && h != CTideObj::kNoTide && (h < *lo - 1e-9 * std::fabs(*lo) - 1e-9 || h > *hi + 1e-9 * std::fabs(*hi) + 1e-9))
+            Fail("tide: a height outside the table's heights");
+        (void)tide.GetTide(tm);
+    };
+    for (size_t i = 0; i < times.size(); ++i) {
+        check(times[i]);
+        if (i + 1 < times.size()) check(times[i] + (times[i + 1] - times[i]) * 0.37);
+    }
+    check(times.empty() ? 0.0 : times.front() - 1.0);
+
+    // The settings form keeps every point (heights rounded to centimetres).
+    CZSetObj obj;
+    tide.Settings(obj);
+    obj.SetLoading();
+    CTideObj back;
+    back.Settings(obj);
+    Check(back.GetCount() == tide.GetCount(), "tide: the settings form loses or adds points");
+    Check(back.m_bGraph == tide.m_bGraph, "tide: the settings form loses the rule");
+}
+
+// The settings file. What loads is given to the saving classes, object by
+// object, as a host's start-up does, and saved and loaded again as text.
 void FuzzSettings(const uint8_t* data, size_t size)
 {
     GeoScope scope;
@@ -84,7 +131,16 @@ void FuzzSettings(const uint8_t* data, size_t size)
     }
     for (CZanPtr* c = set.m_cols.GetHeadPos(); c;) {
         CZSetCol* col = set.m_cols.GetNext(c);
-        for (CZanPtr* o = col->GetHeadPos(); o;) Geo::Settings(*col->GetNext(o));
+        for (CZanPtr* o = col->GetHeadPos(); o;) {
+            CZSetObj& obj = *col->GetNext(o);
+            Geo::Settings(obj);
+            CPing ping;
+            ping.Settings(obj);
+            CTideObj tide;
+            tide.Settings(obj);
+            CTgtImgFlt flt;
+            flt.Settings(obj);
+        }
     }
     const CString text = set.ToText();
     CZSet back;

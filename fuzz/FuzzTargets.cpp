@@ -23,6 +23,7 @@ const Target kTargets[] = {
     {"geo", FuzzGeo},
     {"geodb", FuzzGeoDb},
     {"settings", FuzzSettings},
+    {"tide", FuzzTide},
 };
 }  // namespace
 

@@ -42,5 +42,6 @@ void FuzzSnsr(const uint8_t* data, size_t size);
 void FuzzGeo(const uint8_t* data, size_t size);
 void FuzzGeoDb(const uint8_t* data, size_t size);
 void FuzzSettings(const uint8_t* data, size_t size);
+void FuzzTide(const uint8_t* data, size_t size);
 
 }  // namespace zanfuzz
