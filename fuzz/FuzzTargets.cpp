@@ -24,6 +24,7 @@ const Target kTargets[] = {
     {"geodb", FuzzGeoDb},
     {"settings", FuzzSettings},
     {"tide", FuzzTide},
+    {"recording", FuzzRecording},
 };
 }  // namespace
 

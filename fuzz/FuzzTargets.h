@@ -43,5 +43,6 @@ void FuzzGeo(const uint8_t* data, size_t size);
 void FuzzGeoDb(const uint8_t* data, size_t size);
 void FuzzSettings(const uint8_t* data, size_t size);
 void FuzzTide(const uint8_t* data, size_t size);
+void FuzzRecording(const uint8_t* data, size_t size);
 
 }  // namespace zanfuzz

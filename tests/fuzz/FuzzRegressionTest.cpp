@@ -2,12 +2,17 @@
 // inputs that found them stay in fuzz/corpus (see CorpusReplayTest).
 #include <zandata/ZanData.h>
 
+#include "tools/zanrec/Loaded.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <limits>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -105,6 +110,51 @@ TEST(FuzzRegression, PositionTextOfDegreesBeyondAnInt)
     CSnsrPos pos;
     pos.m_geo = CV3(1e22, 45.5, 0.0);
     EXPECT_EQ(pos.GetString(0).Utf8(), "45\u00B030\"00.000'N, 10000000000000000000000\u00B000\"00.000'E");
+}
+
+// A sensor frame of zanrec whose CRC is right but whose record's own type
+// byte was damaged: the record was read into the class of the frame's type
+// and then used as the class of its own type (an index past the type names,
+// a cast to the wrong class). The tool now refuses such a record by its frame.
+TEST(FuzzRegression, RecordingRefusesASensorRecordThatNamesAnotherType)
+{
+    CSnsrMru mru;
+    mru.m_time = 12.5;
+    CMemFile mem;
+    {
+        CArchive ar(&mem, CArchive::store);
+        mru.Serialize(ar);
+        ar.Close();
+    }
+    Bytes payload(mem.GetBuffer(), mem.GetBuffer() + mem.GetLength());
+    ASSERT_EQ(payload[0], CSnsrInf::tMru);
+
+    std::string why;
+    EXPECT_NE(zanrec::LoadSensor(CSnsrInf::tMru, payload, why), nullptr) << why;
+    for (BYTE lie : {BYTE{23}, BYTE{255}, BYTE{CSnsrInf::tPos}}) {
+        payload[0] = lie;
+        why.clear();
+        EXPECT_EQ(zanrec::LoadSensor(CSnsrInf::tMru, payload, why), nullptr);
+        EXPECT_EQ(why, "sensor record of type 3 holds type " + std::to_string(lie));
+    }
+
+    const std::string path = (std::filesystem::temp_directory_path() / "zan-fuzz-lying-type.zrec").string();
+    {
+        zanrec::RecordingWriter w(path);
+        payload[0] = 23;
+        w.Write(zanrec::FrameKind::Sensor, CSnsrInf::tMru, payload.data(), payload.size());
+        payload[0] = CSnsrInf::tMru;
+        w.Write(zanrec::FrameKind::Sensor, CSnsrInf::tMru, payload.data(), payload.size());
+        w.Close();
+    }
+    zanrec::Loaded rec;
+    ASSERT_TRUE(zanrec::LoadRecording(path, rec));
+    std::filesystem::remove(path);
+    EXPECT_EQ(rec.rr.frames.size(), 2u);
+    EXPECT_EQ(rec.badSensor, 0);
+    EXPECT_EQ(rec.sensorError, "frame 0 at byte 8: sensor record of type 3 holds type 23");
+    ASSERT_EQ(rec.nav.All().size(), 1u);
+    EXPECT_EQ(rec.nav.All().begin()->first, CSnsrInf::tMru);
 }
 
 }  // namespace

@@ -270,6 +270,13 @@ std::unique_ptr<CSnsrInf> LoadSensor(std::uint8_t type, const std::vector<std::u
         CMemFile f(const_cast<BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));
         CArchive ar(&f, CArchive::load);
         rec->Serialize(ar);
+        // The record's own type byte must name the class it was read into:
+        // everything after this (the track, the text, the panels) picks the
+        // class by m_type.
+        if (rec->m_type != type) {
+            why = "sensor record of type " + std::to_string(type) + " holds type " + std::to_string(rec->m_type);
+            return nullptr;
+        }
         if (ar.GetRemaining() != 0) {
             why = "sensor record of type " + std::to_string(type) + " has " + std::to_string(ar.GetRemaining()) +
                   " bytes left over";
