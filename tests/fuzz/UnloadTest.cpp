@@ -10,7 +10,9 @@
 
 #include <malloc.h>
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+// Declared here rather than through <sanitizer/allocator_interface.h>, which
+// g++ does not ship; both compilers' ASan runtimes export it.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 #include <memory>
