@@ -190,11 +190,77 @@ with tempfile.TemporaryDirectory() as tmp:
           f'a cut sensor record is not reported by its frame: {p.stderr.strip()}')
     check(len([l for l in p.stdout.splitlines() if l[:1].isdigit()]) == 6, 'the pings are not all listed')
 
+    # Tide: synth writes high and low waters beside the recording; info shows
+    # the tide at each ping by the half-sine rule between the two waters
+    # round it, computed here from the file itself.
+    tid = os.path.join(tmp, 'survey.tid')
+    check(os.path.exists(tid), 'synth wrote no survey.tid beside the recording')
+    import calendar
+    import time as _time
+    waters = []
+    for line in open(tid).read().splitlines()[1:]:
+        day, hm, hgt = line.replace(',', ' ').split()
+        waters.append((calendar.timegm(_time.strptime(day + ' ' + hm, '%d/%m/%Y %H:%M:%S')), float(hgt)))
+    check(len(waters) >= 4, f'the tide file holds {len(waters)} waters')
+
+    def tide_at(t):
+        for (t0, h0), (t1, h1) in zip(waters, waters[1:]):
+            if t0 <= t < t1:
+                return h0 + (h1 - h0) * (math.sin(-math.pi / 2 + (t - t0) / (t1 - t0) * math.pi) + 1) / 2
+        return None
+
+    ti = run('info', rec, '--tide', tid)
+    check('tide m' in ti.stdout, 'info --tide shows no tide column')
+    rows = [l.split() for l in ti.stdout.splitlines() if l[:1].isdigit() and len(l.split()) >= 10]
+    check(len(rows) == 6, f'info --tide lists {len(rows)} pings with a tide')
+    for r in rows:
+        t = calendar.timegm(_time.strptime(r[1] + ' ' + r[2][:8], '%Y-%m-%d %H:%M:%S')) + float(r[2][8:] or 0)
+        want = tide_at(t)
+        check(want is not None and abs(float(r[-1]) - want) < 0.0015,
+              f'ping {r[0]}: tide {r[-1]} m, the file gives {want}')
+    # A table that misses the survey: every ping shows no tide, and render
+    # still draws, saying why the depths are not reduced.
+    old_tide = os.path.join(tmp, 'old.csv')
+    open(old_tide, 'w').write('1/6/20,10:00,1.5\n1/6/20 16:12:30 3.9\n')
+    p = run('info', rec, '--tide', old_tide)
+    check(all(l.split()[-1] == '-' for l in p.stdout.splitlines() if l[:1].isdigit() and len(l.split()) >= 10),
+          'a tide table of 2020 gives a tide in 2026')
+    p = run('render', rec, '--ping', '1', '--out', os.path.join(tmp, 'old.png'), '--size', '64', '--tide', old_tide,
+            '--depth', '0:20')
+    check('no tide' in p.stderr, f'render does not say the table has no tide: {p.stderr.strip()}')
+    for bad_tide in (os.path.join(tmp, 'missing.tid'), junk):
+        p = run('info', rec, '--tide', bad_tide, ok=False)
+        check(p.returncode == 2 and len(p.stderr.strip().splitlines()) == 1 and 'tide' in p.stderr,
+              f'a bad tide file {bad_tide} is not refused in one line: {p.stderr.strip()}')
+    # The tide moves the depth colours: a table standing 5 m higher draws a
+    # different picture from the same ping and span.
+    high = os.path.join(tmp, 'high.tid')
+    with open(high, 'w') as f:
+        for line in open(tid).read().splitlines()[1:]:
+            when, hgt = line.rsplit(',', 1)
+            f.write(f'{when},{float(hgt) + 5.0:.2f}\n')
+    pics = {}
+    for name, t in (('plain', None), ('tide', tid), ('high', high)):
+        out = os.path.join(tmp, f'depth-{name}.png')
+        run('render', rec, '--ping', '3', '--out', out, '--size', '120', '--depth', '0:20',
+            *(['--tide', t] if t else []))
+        pics[name] = open(out, 'rb').read()
+    check(pics['plain'] != pics['tide'] != pics['high'], 'the tide does not change the depth colours')
+    m1, m2 = os.path.join(tmp, 'md1.png'), os.path.join(tmp, 'md2.png')
+    run('mosaic', rec, '--out', m1, '--size', '100', '--depth', '0:20')
+    run('mosaic', rec, '--out', m2, '--size', '100', '--depth', '0:20', '--tide', tid)
+    check(open(m1, 'rb').read() != open(m2, 'rb').read(), 'the tide does not change the mosaic by depth')
+
     # The panels' pictures.
     pd = os.path.join(tmp, 'panels')
-    run('panels', rec, '--out', pd)
-    for name in ('sensors-list.png', 'sensors-grid.png'):
+    p = run('panels', rec, '--out', pd, '--tide', tid)
+    for name in ('sensors-list.png', 'sensors-grid.png', 'sos.png', 'tide.png', 'tide-select.png', 'geodesy.png'):
         check(os.path.exists(os.path.join(pd, name)), f'panels wrote no {name}')
+        if os.path.exists(os.path.join(pd, name)):
+            pw, ph, prow = read_png(os.path.join(pd, name))
+            check(len(set(prow[ph // 2])) > 1, f'{name} is blank')
+    check(f'{len(waters)} tide points' in p.stdout, 'the tide panel does not hold the file\'s points')
+    check('projections' in p.stdout and ' 0 spheroids' not in p.stdout, 'the geodetic panel has no database')
 
 if FAILS:
     for f in FAILS:

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Loaded.h"
 #include "Road.h"
+#include "Tide.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -53,10 +54,31 @@ int Demo(const std::string& outDir, int pings)
     ro.grid = ro.overlays = true;
     const bool fanOk = RenderFan(*img, ro, false, 0, 0);
     CTgtImg::DelImg(img);
-    const std::string mosaic = outDir + "/mosaic.png";
-    const bool mosaicOk = Mosaic(so.out, mosaic, 800) == 0;
+    MosaicOptions mo;
+    mo.file = so.out;
+    mo.out = outDir + "/mosaic.png";
+    mo.size = 800;
+    const bool mosaicOk = Mosaic(mo) == 0;
+    // The same by depth below chart datum: the tilted fans reach from the
+    // sonar's 2 m down to some 20 m below the surface, less the tide.
+    MosaicOptions md = mo;
+    md.out = outDir + "/mosaic-depth.png";
+    md.depth = "-2:20";
+    md.tide = rep.tideFile;
+    const bool depthOk = Mosaic(md) == 0;
 
-    const bool panelsOk = Panels(so.out, outDir) == 0;
+    // The tide over the survey.
+    CTideObj tide;
+    std::string why;
+    std::optional<double> tideFirst, tideLast;
+    if (LoadTide(rep.tideFile, tide, why) && !rec.pings.empty()) {
+        CTgtImg* probe = CTgtImg::GetImg();
+        if (LoadPing(rec, 0, *probe, why)) tideFirst = TideAt(tide, PingTime(*probe));
+        if (LoadPing(rec, static_cast<int>(rec.pings.size()) - 1, *probe, why)) tideLast = TideAt(tide, PingTime(*probe));
+        CTgtImg::DelImg(probe);
+    }
+
+    const bool panelsOk = Panels(so.out, outDir, rep.tideFile) == 0;
 
     static const char* const steps[7] = {"fill ping and raw plane", "Normalise8", "Filter", "SetupExtents",
                                          "CreateImg", "detect targets, boundary", "record (Serialize)"};
@@ -69,10 +91,19 @@ int Demo(const std::string& outDir, int pings)
     std::printf("  read back identically     %d of %zu pings\n", same, rec.pings.size());
     std::printf("  milliseconds per ping\n");
     for (int k = 0; k < 7; ++k) std::printf("    %-24s %8.2f\n", steps[k], rep.ms[k]);
-    std::printf("  pictures                  %s%s, %s%s\n", ro.out.c_str(), fanOk ? "" : " (FAILED)", mosaic.c_str(),
-                mosaicOk ? "" : " (FAILED)");
-    if (!panelsOk) std::printf("  panels                    FAILED\n");
-    return same == static_cast<int>(rec.pings.size()) && fanOk && mosaicOk && panelsOk ? 0 : 1;
+    if (tideFirst && tideLast)
+        std::printf("  tide                      %.3f m at the first ping, %.3f m at the last (%s)\n", *tideFirst, *tideLast,
+                    rep.tideFile.c_str());
+    else
+        std::printf("  tide                      FAILED (%s)\n", why.c_str());
+    std::printf("  pictures                  %s%s, %s%s, %s%s\n", ro.out.c_str(), fanOk ? "" : " (FAILED)", mo.out.c_str(),
+                mosaicOk ? "" : " (FAILED)", md.out.c_str(), depthOk ? "" : " (FAILED)");
+    std::printf("  panels                    %s\n", panelsOk ? "sensors-list, sensors-grid, sos, tide, tide-select, geodesy"
+                                                           : "FAILED");
+    return same == static_cast<int>(rec.pings.size()) && fanOk && mosaicOk && depthOk && panelsOk && tideFirst &&
+                   tideLast
+               ? 0
+               : 1;
 }
 
 } // namespace zanrec

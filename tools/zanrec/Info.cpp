@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "Loaded.h"
 #include "Road.h"
+#include "Tide.h"
 
 #include <cmath>
 #include <cstdio>
@@ -53,12 +54,18 @@ int ReportDamage(const Loaded& rec)
 
 } // namespace
 
-int Info(const std::string& file)
+int Info(const std::string& file, const std::string& tidePath)
 {
+    CTideObj tide;
+    std::string tideError;
+    if (!tidePath.empty() && !LoadTide(tidePath, tide, tideError)) {
+        std::fprintf(stderr, "zanrec: %s\n", tideError.c_str());
+        return 2;
+    }
     Loaded rec;
     if (!LoadRecording(file, rec)) return 1;
-    std::printf("%-5s %-23s %-11s %-22s %10s %10s %5s %4s\n", "ping", "time (UTC)", "size", "blocks", "record", "compressed",
-                "tgts", "bnds");
+    std::printf("%-5s %-23s %-11s %-22s %10s %10s %5s %4s%s\n", "ping", "time (UTC)", "size", "blocks", "record", "compressed",
+                "tgts", "bnds", tidePath.empty() ? "" : "   tide m");
     CTgtImg* img = CTgtImg::GetImg();
     int rc = 0;
     for (size_t k = 0; k < rec.pings.size(); ++k) {
@@ -70,9 +77,15 @@ int Info(const std::string& file)
         }
         char size[32];
         std::snprintf(size, sizeof size, "%ux%u", img->m_nBrgs, img->m_nRngs);
-        std::printf("%-5zu %-23s %-11s %-22s %10zu %10u %5d %4d\n", k, TimeText(PingTime(*img)).c_str(), size,
+        std::string tideText;
+        if (!tidePath.empty()) {
+            char h[16] = "        -";  // no tide at this time
+            if (const auto t = TideAt(tide, PingTime(*img))) std::snprintf(h, sizeof h, " %8.3f", *t);
+            tideText = h;
+        }
+        std::printf("%-5zu %-23s %-11s %-22s %10zu %10u %5d %4d%s\n", k, TimeText(PingTime(*img)).c_str(), size,
                     Blocks(img->m_nState).c_str(), rec.rr.frames[static_cast<size_t>(rec.pings[k])].payload.size(),
-                    CompressedSize(*img), img->m_tgtRec.GetCount(), img->m_bnds.GetCount());
+                    CompressedSize(*img), img->m_tgtRec.GetCount(), img->m_bnds.GetCount(), tideText.c_str());
     }
     CTgtImg::DelImg(img);
     if (!rec.nav.Empty()) {

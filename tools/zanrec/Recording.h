@@ -9,9 +9,10 @@
 // All numbers little-endian. kind 1 is a ping (the image record with its
 // state word, then the extended ping block, then the image's zoom block);
 // kind 2 a sensor record whose class is told by `type`, the sensor type id;
-// kind 3 a tide file's text. A reader skips kinds it does not know. A frame
-// whose header is cut, whose length runs past the end of the file, or whose
-// CRC does not match ends the reading; every whole frame before it stands.
+// kind 3 is set aside for a tide file's text. A reader skips kinds it does
+// not know. A frame whose header is cut, whose length runs past the end of
+// the file, or whose CRC does not match ends the reading; every whole frame
+// before it stands.
 #include <cstdint>
 #include <cstdio>
 #include <string>

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Loaded.h"
 #include "Road.h"
+#include "Tide.h"
 
 #include <GL/gl.h>
 
@@ -43,6 +44,26 @@ void LayInFan(CTgtImg& img)
     }
 }
 
+// The tide at a ping's time, in metres, by which its depths are reduced; 0
+// (with a warning) where the table has none.
+double TideFor(CTideObj& tide, CTgtImg& img, int ping)
+{
+    if (const auto h = TideAt(tide, PingTime(img))) return *h;
+    std::fprintf(stderr, "zanrec: no tide in %s at ping %d; its depths are not reduced\n",
+                 tide.m_fileName.Utf8().c_str(), ping);
+    return 0.0;
+}
+
+// Loads the tide file of an option, if one is given; false after printing
+// the reason.
+bool LoadTideOption(const std::string& path, CTideObj& tide)
+{
+    std::string why;
+    if (path.empty() || LoadTide(path, tide, why)) return true;
+    std::fprintf(stderr, "zanrec: %s\n", why.c_str());
+    return false;
+}
+
 } // namespace
 
 int Render(const RenderOptions& o)
@@ -65,6 +86,8 @@ int Render(const RenderOptions& o)
         std::fprintf(stderr, "zanrec: --filter takes 1..4\n");
         return 2;
     }
+    CTideObj tide;
+    if (!LoadTideOption(o.tide, tide)) return 2;
     Loaded rec;
     if (!LoadRecording(o.file, rec)) return 1;
     if (o.ping < 0 || o.ping >= static_cast<int>(rec.pings.size())) {
@@ -78,6 +101,12 @@ int Render(const RenderOptions& o)
         std::fprintf(stderr, "zanrec: %s: damaged ping record: %s\n", o.file.c_str(), why.c_str());
         CTgtImg::DelImg(img);
         return 1;
+    }
+    if (!o.tide.empty()) {
+        // Colouring z - h over lo..hi is colouring z over lo + h..hi + h.
+        const double h = TideFor(tide, *img, o.ping);
+        lo += h;
+        hi += h;
     }
     const int rc = RenderFan(*img, o, byDepth, lo, hi) ? 0 : 1;
     CTgtImg::DelImg(img);
@@ -131,8 +160,22 @@ bool RenderFan(CTgtImg& img, const RenderOptions& o, bool byDepth, double lo, do
     return true;
 }
 
-int Mosaic(const std::string& file, const std::string& out, int size)
+int Mosaic(const MosaicOptions& o)
 {
+    const std::string& file = o.file;
+    const int size = o.size;
+    if (size < 16 || size > 8192) {
+        std::fprintf(stderr, "zanrec: --size takes 16..8192 pixels\n");
+        return 2;
+    }
+    double lo = 0, hi = 0;
+    const bool byDepth = !o.depth.empty();
+    if (byDepth && !ParseDepth(o.depth, lo, hi)) {
+        std::fprintf(stderr, "zanrec: --depth takes MIN:MAX in metres, not '%s'\n", o.depth.c_str());
+        return 2;
+    }
+    CTideObj tide;
+    if (!LoadTideOption(o.tide, tide)) return 2;
     Loaded rec;
     if (!LoadRecording(file, rec)) return 1;
     if (rec.pings.empty()) {
@@ -160,7 +203,8 @@ int Mosaic(const std::string& file, const std::string& out, int size)
             img->m_tgtRec.m_sosAvg = pose.sos;
             img->SetupExtents(sonar, tilt);
         }
-        img->CreateImg(tbl, 3, 0, 0.0, 0.0, true);
+        const double h = o.tide.empty() ? 0.0 : TideFor(tide, *img, static_cast<int>(k));
+        img->CreateImg(tbl, 3, byDepth ? 1 : 0, lo + h, hi + h, true);
         for (size_t b = 0; b < img->m_vStart.size(); ++b)
             for (const CV3& v : {img->m_vStart[b], img->m_vEnd[b]})
                 if (v.Finite()) {
@@ -182,8 +226,8 @@ int Mosaic(const std::string& file, const std::string& out, int size)
             glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
             for (CTgtImg* img : imgs) img->DrawImg(dsp, 0.35);
             for (CTgtImg* img : imgs) img->DrawTgts(dsp);
-            ok = gl.SavePng(CString::FromUtf8(out));
-            if (!ok) std::fprintf(stderr, "zanrec: cannot write %s\n", out.c_str());
+            ok = gl.SavePng(CString::FromUtf8(o.out));
+            if (!ok) std::fprintf(stderr, "zanrec: cannot write %s\n", o.out.c_str());
         } else {
             std::fprintf(stderr, "zanrec: no off-screen OpenGL context\n");
         }

@@ -5,6 +5,7 @@
 #include "Recording.h"
 #include "Road.h"
 #include "Survey.h"
+#include "Tide.h"
 
 #include <cstdio>
 #include <stdexcept>
@@ -51,6 +52,9 @@ int Synth(const SynthOptions& o, SynthReport* report)
         }
         w.Close();
         prog.Done();
+        // High and low waters round the survey, for --tide.
+        const std::string tidePath = o.tideOut.empty() ? TidePathFor(o.out) : o.tideOut;
+        WriteSynthTide(tidePath, cfg.startTime, survey.EndTime());
         if (report) {
             const double n = times.pings ? times.pings : 1;
             const double ms[7] = {times.fill, times.normalise, times.filter, times.extents, times.create, times.detect,
@@ -61,10 +65,12 @@ int Synth(const SynthOptions& o, SynthReport* report)
             report->recordBytes = recBytes;
             report->fileBytes = static_cast<double>(w.BytesWritten());
             report->sensorRecords = nav.size();
+            report->tideFile = tidePath;
         } else
-            std::printf("%s: %d pings of %d beams x %d ranges, %zu sensor records, %.0f bytes (image planes %.0f bytes)\n",
+            std::printf("%s: %d pings of %d beams x %d ranges, %zu sensor records, %.0f bytes (image planes %.0f bytes); "
+                        "tide in %s\n",
                         o.out.c_str(), o.pings, o.beams, o.ranges, nav.size(), static_cast<double>(w.BytesWritten()),
-                        rawBytes);
+                        rawBytes, tidePath.c_str());
     } catch (const std::exception& e) {
         std::fprintf(stderr, "zanrec: synth: %s\n", e.what());
         return 1;

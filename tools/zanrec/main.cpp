@@ -23,10 +23,12 @@ int main(int argc, char** argv)
     synth->add_option("--ranges", so.ranges, "range lines per ping")->check(CLI::Range(16, 20000));
     synth->add_option("--seed", so.seed, "seed of the survey's randomness");
     synth->add_flag("--raw", so.raw, "record the raw 16-bit planes too");
+    synth->add_option("--tide-out", so.tideOut, "tide file to write (default: the recording's name with .tid)");
 
-    std::string file;
+    std::string file, tide;
     auto* info = app.add_subcommand("info", "list the records of a recording");
     info->add_option("file", file, "recording")->required();
+    info->add_option("--tide", tide, "tide file (.csv or .tid): show the tide at each ping");
 
     int ping = 0;
     auto* dump = app.add_subcommand("dump", "print every field of one ping");
@@ -44,13 +46,15 @@ int main(int argc, char** argv)
     render->add_option("--filter", ro.filter, "filter again with kernel 1..4");
     render->add_flag("--grid", ro.grid, "draw the range grid");
     render->add_flag("--overlays", ro.overlays, "draw targets and boundaries");
+    render->add_option("--tide", ro.tide, "tide file: reduce the depths by the tide at the ping's time");
 
-    std::string out;
-    int size = 1000;
+    zanrec::MosaicOptions mo;
     auto* mosaic = app.add_subcommand("mosaic", "lay every ping in the world into a PNG");
-    mosaic->add_option("file", file, "recording")->required();
-    mosaic->add_option("--out", out, "PNG to write")->required();
-    mosaic->add_option("--size", size, "picture size in pixels")->check(CLI::Range(16, 8192));
+    mosaic->add_option("file", mo.file, "recording")->required();
+    mosaic->add_option("--out", mo.out, "PNG to write")->required();
+    mosaic->add_option("--size", mo.size, "picture size in pixels")->check(CLI::Range(16, 8192));
+    mosaic->add_option("--depth", mo.depth, "colour by depth, MIN:MAX metres");
+    mosaic->add_option("--tide", mo.tide, "tide file: reduce the depths by the tide at each ping's time");
 
     std::string type, at;
     auto* sensors = app.add_subcommand("sensors", "print sensor records, or all interpolated at one time");
@@ -68,6 +72,7 @@ int main(int argc, char** argv)
     auto* panels = app.add_subcommand("panels", "replay the sensor records into the panels and save their pictures");
     panels->add_option("file", file, "recording")->required();
     panels->add_option("--out", panelDir, "folder for the pictures")->required();
+    panels->add_option("--tide", tide, "tide file for the tide panel");
 
     auto* cat = app.add_subcommand("catalogue", "print the transducer array catalogue");
 
@@ -87,12 +92,12 @@ int main(int argc, char** argv)
         });
     int rc = 0;
     if (*synth) rc = zanrec::Synth(so);
-    else if (*info) rc = zanrec::Info(file);
+    else if (*info) rc = zanrec::Info(file, tide);
     else if (*dump) rc = zanrec::Dump(file, ping);
     else if (*render) rc = zanrec::Render(ro);
-    else if (*mosaic) rc = zanrec::Mosaic(file, out, size);
+    else if (*mosaic) rc = zanrec::Mosaic(mo);
     else if (*sensors) rc = zanrec::Sensors(file, type, at);
-    else if (*panels) rc = zanrec::Panels(file, panelDir);
+    else if (*panels) rc = zanrec::Panels(file, panelDir, tide);
     else if (*cat) rc = zanrec::Catalogue();
     else if (*demo) rc = zanrec::Demo(demoDir, demoPings);
     CTgtImg::CleanupStatic();
