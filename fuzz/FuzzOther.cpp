@@ -93,11 +93,12 @@ void FuzzTide(const uint8_t* data, size_t size)
         values.push_back(p->m_val);
     }
     const bool bFinite = std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
-    const auto [lo, hi] = std::minmax_element(values.begin(), values.end());
+    const auto range = std::minmax_element(values.begin(), values.end());
+    const double lo = values.empty() ? 0.0 : *range.first, hi = values.empty() ? 0.0 : *range.second;
     const auto check = [&](double tm) {
         const double h = tide.GetRaw(tm);
         // Both rules stay within the two heights they join.
-        if (bFinite && h != CTideObj::kNoTide && (h < *lo - 1e-9 * std::fabs(*lo) - 1e-9 || h > *hi + 1e-9 * std::fabs(*hi) + 1e-9))
+        if (bFinite && h != CTideObj::kNoTide && (h < lo - 1e-9 * std::fabs(lo) - 1e-9 || h > hi + 1e-9 * std::fabs(hi) + 1e-9))
             Fail("tide: a height outside the table's heights");
         (void)tide.GetTide(tm);
     };
