@@ -19,11 +19,13 @@ bool ParseDepth(const std::string& s, double& lo, double& hi)
 {
     const auto c = s.find(':');
     if (c == std::string::npos) return false;
+    // The end pointers point into these, so they must outlive the checks.
+    const std::string a = s.substr(0, c), b = s.substr(c + 1);
     char* e1 = nullptr;
     char* e2 = nullptr;
-    lo = std::strtod(s.substr(0, c).c_str(), &e1);
-    hi = std::strtod(s.substr(c + 1).c_str(), &e2);
-    return e1 && !*e1 && e2 && !*e2 && c > 0 && c + 1 < s.size();
+    lo = std::strtod(a.c_str(), &e1);
+    hi = std::strtod(b.c_str(), &e2);
+    return e1 && !*e1 && e2 && !*e2 && !a.empty() && !b.empty();
 }
 
 // Targets and vectors laid in the flat fan: the image seen from the sonar
