@@ -11,7 +11,9 @@
 // - Normalise8's byte is trunc(s * G * 255 / den) in double precision, which
 //   is floor(s * g / den) except, perhaps, where that quotient is whole. For a
 //   line with one divisor a 32-bit reciprocal gives the quotient and tells the
-//   whole ones in 16-bit lanes (NormRowWordsAvx512). Otherwise a
+//   whole ones in 16-bit lanes (NormRowWordsAvx512); with column maxima each
+//   lane takes the smaller of its line's and its column's reciprocal
+//   (NormRowWordsColsAvx512). Otherwise a
 //   single-precision estimate lies within 1e-4 of the double; where it is
 //   further than 2e-4 from a whole number both truncate alike. The few
 //   samples left are worked out in double precision.
@@ -341,6 +343,41 @@ ZAN_AVX512 void NormRowWordsAvx512(const BYTE* row, BYTE* out, size_t cols, doub
     for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, den);
 }
 
+// The same with a divisor for each column, den = max(rowDen, colMax[c]).
+// M = ceil(g 2^32 / den) falls as den rises, so a lane's multiplier is the
+// smaller of the line's and its column's (colHi:colLo, held at 2^32 - 1 for a
+// column whose maximum is at most g). Needs g < rowDen and maxS * max(rowDen,
+// every colMax) <= 2^32, so that the reasoning above holds in every lane; two
+// divisors with one multiplier give the same quotients.
+ZAN_AVX512 void NormRowWordsColsAvx512(const BYTE* row, BYTE* out, size_t cols, double G, std::uint32_t g,
+                                       std::uint32_t rowDen, const std::uint32_t* colMax, const std::uint16_t* colHi,
+                                       const std::uint16_t* colLo)
+{
+    const std::uint64_t M = ((static_cast<std::uint64_t>(g) << 32) + rowDen - 1) / rowDen;
+    const __m512i rhi = _mm512_set1_epi16(static_cast<short>(M >> 16));
+    const __m512i rlo = _mm512_set1_epi16(static_cast<short>(M & 0xFFFF));
+    const __m512i one = _mm512_set1_epi16(1), zero = _mm512_setzero_si512();
+    size_t c = 0;
+    for (; c + 32 <= cols; c += 32) {
+        const __m512i chi = _mm512_loadu_si512(colHi + c), clo = _mm512_loadu_si512(colLo + c);
+        const __mmask32 byCol = _mm512_cmplt_epu16_mask(chi, rhi) |
+                                (_mm512_cmpeq_epi16_mask(chi, rhi) & _mm512_cmplt_epu16_mask(clo, rlo));
+        const __m512i mhi = _mm512_mask_blend_epi16(byCol, rhi, chi), mlo = _mm512_mask_blend_epi16(byCol, rlo, clo);
+        const __m512i x = _mm512_loadu_si512(row + 2 * c);
+        const __m512i hiA = _mm512_mulhi_epu16(x, mhi), loA = _mm512_mullo_epi16(x, mhi);
+        const __m512i loB = _mm512_mullo_epi16(x, mlo);
+        const __m512i mid = _mm512_add_epi16(loA, _mm512_mulhi_epu16(x, mlo));
+        const __m512i q = _mm512_mask_add_epi16(hiA, _mm512_cmplt_epu16_mask(mid, loA), hiA, one);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + c), _mm512_cvtepi16_epi8(q));
+        const std::uint32_t whole = _mm512_cmpeq_epi16_mask(mid, zero) & _mm512_cmplt_epu16_mask(loB, x);
+        for (std::uint32_t bad = whole; bad; bad &= bad - 1) {
+            const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
+            out[j] = NormOne(Word(row, j), G, std::max(rowDen, colMax[j]));
+        }
+    }
+    for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, std::max(rowDen, colMax[c]));
+}
+
 #endif  // ZAN_X86_VECTOR
 
 int DetectLevel()
@@ -424,6 +461,7 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
         const bool anyCol = useCols && rows > 50;
         std::vector<std::uint32_t> colMax;
         std::vector<float> rcpCol;
+        std::vector<std::uint16_t> colHi, colLo;  // each column's multiplier (NormRowWordsColsAvx512)
         size_t known = 0;  // lines whose rowRaw is known
         std::uint32_t colTop = 0;  // the greatest column maximum
         if (anyCol) {
@@ -439,6 +477,17 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
                 colMax[c] = quotient(colS[c]);
                 rcpCol[c] = 1.0f / static_cast<float>(colMax[c]);
                 colTop = std::max(colTop, colMax[c]);
+            }
+            if (avx512) {
+                colHi.resize(cols);
+                colLo.resize(cols);
+                for (size_t c = 0; c < cols; ++c) {
+                    const std::uint64_t M = g < colMax[c]
+                                                ? ((static_cast<std::uint64_t>(g) << 32) + colMax[c] - 1) / colMax[c]
+                                                : 0xFFFFFFFFull;
+                    colHi[c] = static_cast<std::uint16_t>(M >> 16);
+                    colLo[c] = static_cast<std::uint16_t>(M & 0xFFFF);
+                }
             }
         }
         // Otherwise each line is read for its maximum just ahead of its bytes
@@ -459,9 +508,11 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
             const float* rc = anyCol ? rcpCol.data() : nullptr;
             // A line at least as strong as every column has one divisor.
             const bool oneDen = !anyCol || den >= colTop;
-            if (avx512 && oneDen && g < den && static_cast<std::uint64_t>(rowS[r]) * den <= (1ull << 32))
-                NormRowWordsAvx512(row, dst + r * cols, cols, G, g, den);
-            else if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
+            const std::uint64_t topDen = std::max(den, oneDen ? den : colTop);
+            if (avx512 && g < den && static_cast<std::uint64_t>(rowS[r]) * topDen <= (1ull << 32)) {
+                if (oneDen) NormRowWordsAvx512(row, dst + r * cols, cols, G, g, den);
+                else NormRowWordsColsAvx512(row, dst + r * cols, cols, G, g, den, cm, colHi.data(), colLo.data());
+            } else if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
             else NormRowAvx2(row, dst + r * cols, cols, G, den, cm, rc);
         }
         return;

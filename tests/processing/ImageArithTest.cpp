@@ -215,6 +215,35 @@ TEST(Normalise8, WholeQuotientsOnWideLines)
     });
 }
 
+TEST(Normalise8, ColumnsStrongerAndWeakerThanTheirLines)
+{
+    // Column maxima that beat some lines and not others, with divisors that
+    // share a reciprocal and quotients that come out whole: every line mixes
+    // its own divisor with its columns'.
+    AtEveryLevel([] {
+        std::mt19937 rng(5);
+        for (short g : {255, 256, 1, 40, 1020, 32767}) {
+            const size_t rows = 120, cols = 160;
+            std::vector<unsigned> s(rows * cols);
+            for (size_t r = 0; r < rows; ++r)
+                for (size_t c = 0; c < cols; ++c) {
+                    const unsigned colTop = 200 + static_cast<unsigned>(c % 7) * 9000;   // strong columns
+                    const unsigned rowTop = 300 + static_cast<unsigned>(r % 5) * 12000;  // strong lines
+                    const unsigned top = std::min(colTop, rowTop) + static_cast<unsigned>(rng() % 2);
+                    s[r * cols + c] = (rng() % 4 == 0) ? top : static_cast<unsigned>(rng() % (top + 1));
+                }
+            for (bool spread : {false, true}) {
+                CTgtImg img;
+                img.Ping()->m_bfGain = g;
+                img.Ping()->m_nrmSpread = spread ? 1 : 0;
+                Fill16(img, static_cast<unsigned>(rows), static_cast<unsigned>(cols), s);
+                img.Normalise8(1);
+                ASSERT_EQ(Bytes(img), PlainNormalise8(s, rows, cols, g, spread, true)) << "g " << g;
+            }
+        }
+    });
+}
+
 TEST(Normalise8, EveryWordOfALine)
 {
     // One line holding every sample value up to its maximum, for gains and
