@@ -320,21 +320,26 @@ ZAN_AVX512 void NormRowAvx512(const BYTE* row, BYTE* out, size_t cols, double G,
 // 1 / den and 1 - 1 / den), and s g / den is whole exactly when the low 32
 // bits of s M are below s. The double evaluation truncates to floor(s g / den)
 // except, perhaps, where that is whole: those samples are worked out in double.
+// floor(x M / 2^32) of 32 samples x for M = mhi:mlo (16 bits each), stored
+// as bytes at out; returns the lanes where the low 32 bits of x M are below x.
+ZAN_AVX512 inline std::uint32_t QuotientWords(__m512i x, __m512i mhi, __m512i mlo, BYTE* out)
+{
+    const __m512i hiA = _mm512_mulhi_epu16(x, mhi), loA = _mm512_mullo_epi16(x, mhi);
+    const __m512i loB = _mm512_mullo_epi16(x, mlo);
+    const __m512i mid = _mm512_add_epi16(loA, _mm512_mulhi_epu16(x, mlo));
+    const __m512i q = _mm512_mask_add_epi16(hiA, _mm512_cmplt_epu16_mask(mid, loA), hiA, _mm512_set1_epi16(1));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_cvtepi16_epi8(q));
+    return _mm512_cmpeq_epi16_mask(mid, _mm512_setzero_si512()) & _mm512_cmplt_epu16_mask(loB, x);
+}
+
 ZAN_AVX512 void NormRowWordsAvx512(const BYTE* row, BYTE* out, size_t cols, double G, std::uint32_t g, std::uint32_t den)
 {
     const std::uint64_t M = ((static_cast<std::uint64_t>(g) << 32) + den - 1) / den;
     const __m512i mhi = _mm512_set1_epi16(static_cast<short>(M >> 16));
     const __m512i mlo = _mm512_set1_epi16(static_cast<short>(M & 0xFFFF));
-    const __m512i one = _mm512_set1_epi16(1), zero = _mm512_setzero_si512();
     size_t c = 0;
     for (; c + 32 <= cols; c += 32) {
-        const __m512i x = _mm512_loadu_si512(row + 2 * c);
-        const __m512i hiA = _mm512_mulhi_epu16(x, mhi), loA = _mm512_mullo_epi16(x, mhi);
-        const __m512i loB = _mm512_mullo_epi16(x, mlo);
-        const __m512i mid = _mm512_add_epi16(loA, _mm512_mulhi_epu16(x, mlo));
-        const __m512i q = _mm512_mask_add_epi16(hiA, _mm512_cmplt_epu16_mask(mid, loA), hiA, one);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + c), _mm512_cvtepi16_epi8(q));
-        const std::uint32_t whole = _mm512_cmpeq_epi16_mask(mid, zero) & _mm512_cmplt_epu16_mask(loB, x);
+        const std::uint32_t whole = QuotientWords(_mm512_loadu_si512(row + 2 * c), mhi, mlo, out + c);
         for (std::uint32_t bad = whole; bad; bad &= bad - 1) {
             const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
             out[j] = NormOne(Word(row, j), G, den);
@@ -356,20 +361,13 @@ ZAN_AVX512 void NormRowWordsColsAvx512(const BYTE* row, BYTE* out, size_t cols, 
     const std::uint64_t M = ((static_cast<std::uint64_t>(g) << 32) + rowDen - 1) / rowDen;
     const __m512i rhi = _mm512_set1_epi16(static_cast<short>(M >> 16));
     const __m512i rlo = _mm512_set1_epi16(static_cast<short>(M & 0xFFFF));
-    const __m512i one = _mm512_set1_epi16(1), zero = _mm512_setzero_si512();
     size_t c = 0;
     for (; c + 32 <= cols; c += 32) {
         const __m512i chi = _mm512_loadu_si512(colHi + c), clo = _mm512_loadu_si512(colLo + c);
         const __mmask32 byCol = _mm512_cmplt_epu16_mask(chi, rhi) |
                                 (_mm512_cmpeq_epi16_mask(chi, rhi) & _mm512_cmplt_epu16_mask(clo, rlo));
         const __m512i mhi = _mm512_mask_blend_epi16(byCol, rhi, chi), mlo = _mm512_mask_blend_epi16(byCol, rlo, clo);
-        const __m512i x = _mm512_loadu_si512(row + 2 * c);
-        const __m512i hiA = _mm512_mulhi_epu16(x, mhi), loA = _mm512_mullo_epi16(x, mhi);
-        const __m512i loB = _mm512_mullo_epi16(x, mlo);
-        const __m512i mid = _mm512_add_epi16(loA, _mm512_mulhi_epu16(x, mlo));
-        const __m512i q = _mm512_mask_add_epi16(hiA, _mm512_cmplt_epu16_mask(mid, loA), hiA, one);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + c), _mm512_cvtepi16_epi8(q));
-        const std::uint32_t whole = _mm512_cmpeq_epi16_mask(mid, zero) & _mm512_cmplt_epu16_mask(loB, x);
+        const std::uint32_t whole = QuotientWords(_mm512_loadu_si512(row + 2 * c), mhi, mlo, out + c);
         for (std::uint32_t bad = whole; bad; bad &= bad - 1) {
             const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
             out[j] = NormOne(Word(row, j), G, std::max(rowDen, colMax[j]));

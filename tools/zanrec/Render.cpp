@@ -66,20 +66,32 @@ bool LoadTideOption(const std::string& path, CTideObj& tide)
     return false;
 }
 
+// The options render and mosaic share: the picture's size, the depth span
+// (byDepth when one is given) and the tide file. False after printing what
+// is wrong.
+bool PictureOptions(int size, const std::string& depth, const std::string& tidePath, bool& byDepth, double& lo,
+                    double& hi, CTideObj& tide)
+{
+    if (size < 16 || size > 8192) {
+        std::fprintf(stderr, "zanrec: --size takes 16..8192 pixels\n");
+        return false;
+    }
+    byDepth = !depth.empty();
+    if (byDepth && !ParseDepth(depth, lo, hi)) {
+        std::fprintf(stderr, "zanrec: --depth takes MIN:MAX in metres, not '%s'\n", depth.c_str());
+        return false;
+    }
+    return LoadTideOption(tidePath, tide);
+}
+
 } // namespace
 
 int Render(const RenderOptions& o)
 {
-    if (o.size < 16 || o.size > 8192) {
-        std::fprintf(stderr, "zanrec: --size takes 16..8192 pixels\n");
-        return 2;
-    }
     double lo = 0, hi = 0;
-    const bool byDepth = !o.depth.empty();
-    if (byDepth && !ParseDepth(o.depth, lo, hi)) {
-        std::fprintf(stderr, "zanrec: --depth takes MIN:MAX in metres, not '%s'\n", o.depth.c_str());
-        return 2;
-    }
+    bool byDepth = false;
+    CTideObj tide;
+    if (!PictureOptions(o.size, o.depth, o.tide, byDepth, lo, hi, tide)) return 2;
     if (o.colour != "grey" && o.colour != "viridis") {
         std::fprintf(stderr, "zanrec: --colour takes grey or viridis\n");
         return 2;
@@ -88,8 +100,6 @@ int Render(const RenderOptions& o)
         std::fprintf(stderr, "zanrec: --filter takes 1..4\n");
         return 2;
     }
-    CTideObj tide;
-    if (!LoadTideOption(o.tide, tide)) return 2;
     Loaded rec;
     if (!LoadRecording(o.file, rec)) return 1;
     if (o.ping < 0 || o.ping >= static_cast<int>(rec.pings.size())) {
@@ -166,18 +176,10 @@ int Mosaic(const MosaicOptions& o)
 {
     const std::string& file = o.file;
     const int size = o.size;
-    if (size < 16 || size > 8192) {
-        std::fprintf(stderr, "zanrec: --size takes 16..8192 pixels\n");
-        return 2;
-    }
     double lo = 0, hi = 0;
-    const bool byDepth = !o.depth.empty();
-    if (byDepth && !ParseDepth(o.depth, lo, hi)) {
-        std::fprintf(stderr, "zanrec: --depth takes MIN:MAX in metres, not '%s'\n", o.depth.c_str());
-        return 2;
-    }
+    bool byDepth = false;
     CTideObj tide;
-    if (!LoadTideOption(o.tide, tide)) return 2;
+    if (!PictureOptions(size, o.depth, o.tide, byDepth, lo, hi, tide)) return 2;
     Loaded rec;
     if (!LoadRecording(file, rec)) return 1;
     if (rec.pings.empty()) {
