@@ -18,7 +18,11 @@ dpkg-deb --info "$deb" | sed -n 's/^ *\(Package\|Version\|Architecture\|Depends\
 dpkg-deb -x "$deb" "$scratch/root"
 
 usr=$scratch/root/usr
-multiarch=$(ls -d "$usr"/lib/*/ | head -1)
+# The library's folder: /usr/lib/<multiarch> or /usr/lib, as the install
+# rules chose.
+lib=$(find "$usr/lib" -name 'libzandata.so' | head -1)
+[ -n "$lib" ] || { echo "missing from the package: libzandata.so"; exit 1; }
+multiarch=$(dirname "$lib")
 for f in "$multiarch/libzandata.so" "$usr/include/zandata/ZanData.h" "$usr/include/zandata/core/platform/CArchive.h" \
          "$multiarch/cmake/ZanData/ZanDataConfig.cmake" "$multiarch/cmake/ZanData/ZanDataConfigVersion.cmake" \
          "$multiarch/cmake/ZanData/ZanDataTargets.cmake" "$usr/share/zandata/GeoDB.csv" "$usr/bin/zanrec"; do
