@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Damaged recordings (damaged_recordings.py ZANREC): a small synthetic survey is damaged in some thousand
+"""Damaged recordings (damaged_recordings.py ZANREC): a small synthetic survey is damaged in some two thousand
 ways (cut at every frame boundary and inside frames, single bytes flipped,
 frames swapped, lengths inflated and shrunk, payloads damaged behind a right
 CRC), and zanrec's `info` runs on every copy, `render` on a share of them.
@@ -73,12 +73,14 @@ def copies(data):
                 out.append((f'cut-{cut}', data[:cut], True))
     out.append(('cut-header', data[:5], True))
     # Single bytes flipped: payload bytes (CRC), and header bytes.
-    for k in range(300):
+    for k in range(900):
         i = rnd.randrange(8, len(data))
         b = bytearray(data)
         b[i] ^= rnd.randrange(1, 256)
         in_header = any(pos <= i < pos + 4 for pos, _, _ in fr)
-        out.append((f'flip-{i}', bytes(b), not in_header))
+        # k in the name: the same byte may be drawn twice, and each copy
+        # needs a file of its own while the runs go on side by side.
+        out.append((f'flip-{i}-{k}', bytes(b), not in_header))
     # Adjacent frames swapped: still whole, so everything is listed.
     for i in range(0, len(fr) - 1, 8):
         a, b = fr[i], fr[i + 1]
@@ -95,7 +97,7 @@ def copies(data):
             b[pos + 4:pos + 8] = struct.pack('<I', m)
             out.append((f'len-{i}-{m}', bytes(b), True))
     # Damage inside payloads behind a right CRC: the record loaders meet it.
-    for k in range(200):
+    for k in range(700):
         pos, kind, n = fr[rnd.randrange(len(fr))]
         if n == 0:
             continue
@@ -165,7 +167,7 @@ with tempfile.TemporaryDirectory() as tmp:
     assert bad is None and sum(1 for f in whole if f[1] == 1) == 4
     todo = copies(DATA)
     with concurrent.futures.ThreadPoolExecutor(max_workers=os.cpu_count() or 2) as pool:
-        jobs = [pool.submit(check_one, tmp, name, data, exact, k % 6 == 0)
+        jobs = [pool.submit(check_one, tmp, name, data, exact, k % 8 == 0)
                 for k, (name, data, exact) in enumerate(todo)]
         for j in jobs:
             FAILS.extend(j.result())
@@ -174,7 +176,7 @@ kinds = {}
 for name, _, _ in todo:
     kinds[name.split('-')[0]] = kinds.get(name.split('-')[0], 0) + 1
 print(f'{len(todo)} damaged copies ({", ".join(f"{v} {k}" for k, v in kinds.items())}),'
-      f' {(len(todo) + 5) // 6} of them also rendered')
+      f' {(len(todo) + 7) // 8} of them also rendered')
 if FAILS:
     for f in FAILS[:40]:
         print('FAIL:', f)
