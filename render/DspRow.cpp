@@ -151,51 +151,58 @@ ZAN_VBMI inline __m512i MulHi8(__m512i c, __m512i k)
     return _mm512_packus_epi16(lo, hi);
 }
 
+// The depth index bytes b1 of columns [x0, x0 + 64 m) into idx: the same
+// operations, in the same order, as the plain form (no fused multiply-add).
+// Kept apart from the colouring so that neither runs short of registers.
+ZAN_VBMI void DepthIndexBlocks(const DepthRow& d, std::size_t x0, std::size_t m, BYTE* idx)
+{
+    const __m512d frac = _mm512_set1_pd(d.frac), dMin = _mm512_set1_pd(d.dMin), scale = _mm512_set1_pd(d.scale);
+    const __m512d half = _mm512_set1_pd(0.5), ncD = _mm512_set1_pd(static_cast<double>(d.nc));
+    const __m512i lastI = _mm512_set1_epi32(d.nc - 1);
+    for (std::size_t j = 0; j < 4 * m; ++j) {
+        __m256i q[2];
+        for (int h = 0; h < 2; ++h) {
+            const std::size_t c = x0 + 16 * j + 8 * h;
+            const __m512d depth = _mm512_add_pd(_mm512_mul_pd(_mm512_loadu_pd(d.dz + c), frac), _mm512_loadu_pd(d.sz + c));
+            const __m512d t = _mm512_add_pd(_mm512_mul_pd(_mm512_sub_pd(depth, dMin), scale), half);
+            // Held at nc from above (a NaN stays: min gives its second
+            // operand then); the floor of a NaN or of anything below the
+            // 32-bit integers converts to 0x80000000, whose low byte is 0.
+            q[h] = _mm512_cvt_roundpd_epi32(_mm512_min_pd(ncD, t), _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
+        }
+        const __m512i q16 = _mm512_inserti64x4(_mm512_castsi256_si512(q[0]), q[1], 1);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(idx + 16 * j), _mm512_cvtepi32_epi8(_mm512_min_epi32(q16, lastI)));
+    }
+}
+
 ZAN_VBMI void DepthColourRowVbmi(const BYTE* acc, std::size_t n, const DepthRow& d, CRgb* out)
 {
     const Planes& p = *d.tblPlanes;
     const Tbl256 tr = LoadTbl(p.r), tg = LoadTbl(p.g), tb = LoadTbl(p.b), ta = LoadTbl(p.a), tl = LoadTbl(d.lut);
-    const __m512d frac = _mm512_set1_pd(d.frac), dMin = _mm512_set1_pd(d.dMin), scale = _mm512_set1_pd(d.scale);
-    const __m512d half = _mm512_set1_pd(0.5), ncD = _mm512_set1_pd(static_cast<double>(d.nc));
     const __m512i eight = _mm512_set1_epi8(8), k126 = _mm512_set1_epi8(126);
     const std::size_t nVec = std::min(n, d.nVec);
-    const __m512i lastI = _mm512_set1_epi32(d.nc - 1);
     const __m512i zero = _mm512_setzero_si512();
+    constexpr std::size_t kChunk = 16;  // blocks of 64 columns whose indices are worked out together
+    alignas(64) BYTE idxBuf[64 * kChunk];
     std::size_t x = 0;
-    for (; x + 64 <= nVec; x += 64) {
-        const __m512i i = Lookup(_mm512_loadu_si512(acc + x), tl);
-        const __mmask64 lit = _mm512_cmpgt_epu8_mask(i, eight);
-        if (!lit) {  // nothing above 8: four clear blocks
-            for (int j = 0; j < 4; ++j) _mm512_storeu_si512(out + x + 16 * j, zero);
-            continue;
-        }
-        __m128i part[4];
-        for (int j = 0; j < 4; ++j) {
-            __m256i q[2];
-            for (int h = 0; h < 2; ++h) {
-                const std::size_t c = x + 16 * j + 8 * h;
-                // The same operations, in the same order, as the plain form:
-                // no fused multiply-add.
-                const __m512d depth =
-                    _mm512_add_pd(_mm512_mul_pd(_mm512_loadu_pd(d.dz + c), frac), _mm512_loadu_pd(d.sz + c));
-                const __m512d t = _mm512_add_pd(_mm512_mul_pd(_mm512_sub_pd(depth, dMin), scale), half);
-                // Held at nc from above (a NaN stays: min gives its second
-                // operand then); the floor of a NaN or of anything below the
-                // 32-bit integers converts to 0x80000000, whose low byte is 0.
-                q[h] = _mm512_cvt_roundpd_epi32(_mm512_min_pd(ncD, t), _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
+    while (x + 64 <= nVec) {
+        const std::size_t m = std::min(kChunk, (nVec - x) / 64);
+        DepthIndexBlocks(d, x, m, idxBuf);
+        for (std::size_t blk = 0; blk < m; ++blk, x += 64) {
+            const __m512i i = Lookup(_mm512_loadu_si512(acc + x), tl);
+            const __mmask64 lit = _mm512_cmpgt_epu8_mask(i, eight);
+            if (!lit) {  // nothing above 8: four clear blocks
+                for (int j = 0; j < 4; ++j) _mm512_storeu_si512(out + x + 16 * j, zero);
+                continue;
             }
-            const __m512i q16 = _mm512_inserti64x4(_mm512_castsi256_si512(q[0]), q[1], 1);
-            part[j] = _mm512_cvtepi32_epi8(_mm512_min_epi32(q16, lastI));
+            const __m512i idx = _mm512_load_si512(idxBuf + 64 * blk);
+            const __m512i k = _mm512_adds_epu8(i, k126);  // min(i + 126, 255)
+            const __m512i r = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tr), k));
+            const __m512i g = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tg), k));
+            const __m512i b = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tb), k));
+            const __m512i a = _mm512_maskz_mov_epi8(lit, Lookup(i, ta));
+            StoreRgba(out + x, r, g, b, a);
         }
-        const __m512i idx = _mm512_inserti64x4(
-            _mm512_castsi256_si512(_mm256_inserti128_si256(_mm256_castsi128_si256(part[0]), part[1], 1)),
-            _mm256_inserti128_si256(_mm256_castsi128_si256(part[2]), part[3], 1), 1);
-        const __m512i k = _mm512_adds_epu8(i, k126);  // min(i + 126, 255)
-        const __m512i r = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tr), k));
-        const __m512i g = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tg), k));
-        const __m512i b = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tb), k));
-        const __m512i a = _mm512_maskz_mov_epi8(lit, Lookup(i, ta));
-        StoreRgba(out + x, r, g, b, a);
     }
     DepthColourRowPlain(acc, x, n, d, out);
 }
