@@ -100,7 +100,9 @@ int Panels(const std::string& file, const std::string& outDir, const std::string
     for (const Shot& s : shots) {
         const std::string path = outDir + "/" + s.name;
         if (s.wnd->SavePicture(CString::FromUtf8(path))) {
-            std::printf("%s: %s, %s\n", path.c_str(), s.wnd->GetRuntimeClass()->m_lpszClassName, s.what.c_str());
+            // The host panel has no class record of its own: name its control.
+            const char* kind = s.wnd == &tideSel ? "CTideCb" : s.wnd->GetRuntimeClass()->m_lpszClassName;
+            std::printf("%s: %s, %s\n", path.c_str(), kind, s.what.c_str());
         } else {
             std::fprintf(stderr, "zanrec: cannot write %s\n", path.c_str());
             rc = 1;
