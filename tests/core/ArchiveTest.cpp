@@ -1,5 +1,7 @@
 #include <zandata/ZanData.h>
 
+#include "tests/common/ZanTest.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -7,42 +9,9 @@
 
 namespace {
 
-std::vector<BYTE> Bytes(CMemFile& f)
-{
-    const BYTE* p = f.GetBuffer();
-    return std::vector<BYTE>(p, p + f.GetLength());
-}
-
-template <class F>
-std::vector<BYTE> Store(F&& write)
-{
-    CMemFile f;
-    {
-        CArchive ar(&f, CArchive::store);
-        write(ar);
-        ar.Close();
-    }
-    return Bytes(f);
-}
-
-// A loading archive over a copy of the bytes; the caller keeps both alive.
-struct Loader {
-    explicit Loader(const std::vector<BYTE>& b) : data(b), file(data.data(), static_cast<UINT>(data.size())),
-                                                  ar(&file, CArchive::load) {}
-    std::vector<BYTE> data;
-    CMemFile file;
-    CArchive ar;
-};
-
-int CauseOf(auto&& f)
-{
-    try {
-        f();
-    } catch (const CArchiveException& e) {
-        return e.m_cause;
-    }
-    return -1;
-}
+using zantest::CauseOf;
+using zantest::Store;
+using Loader = zantest::CLoader;
 
 } // namespace
 

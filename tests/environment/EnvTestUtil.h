@@ -3,6 +3,8 @@
 // pictures and a file chooser installed for one test.
 #include <zandata/ZanData.h>
 
+#include "tests/common/ZanTest.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -15,57 +17,9 @@
 
 namespace envtest {
 
-inline CString W(const std::string& s) { return CString::FromUtf8(s); }
-
-// Collects the console lines reported while it lives.
-class CConsole {
-public:
-    CConsole()
-    {
-        m_old = Zan::SetSink([this](Zan::Kind kind, unsigned long, int level, const CString& text) {
-            if (kind == Zan::Kind::Console) {
-                m_lines.push_back(text.Utf8());
-                m_levels.push_back(level);
-            }
-        });
-    }
-    ~CConsole() { Zan::SetSink(m_old); }
-    CConsole(const CConsole&) = delete;
-    CConsole& operator=(const CConsole&) = delete;
-    std::vector<std::string> m_lines;
-    std::vector<int> m_levels;
-
-private:
-    Zan::Sink m_old;
-};
-
-// A scratch folder, removed with its content.
-class CScratch {
-public:
-    CScratch()
-    {
-        static int s_n = 0;
-        m_dir = std::filesystem::temp_directory_path() /
-                ("zanenv_" + std::to_string(::getpid()) + "_" + std::to_string(++s_n));
-        std::filesystem::create_directories(m_dir);
-    }
-    ~CScratch()
-    {
-        std::error_code ec;
-        std::filesystem::remove_all(m_dir, ec);
-    }
-    CScratch(const CScratch&) = delete;
-    CScratch& operator=(const CScratch&) = delete;
-    std::string Path(const std::string& name) const { return (m_dir / name).string(); }
-    std::string Write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(Path(name), std::ios::binary) << text;
-        return Path(name);
-    }
-
-private:
-    std::filesystem::path m_dir;
-};
+using zantest::CConsole;
+using zantest::CScratch;
+using zantest::W;
 
 // Paints a panel to <name>.png: into $ZAN_PICTURE_DIR when that is set (the
 // pictures stay to be looked at), else into a scratch folder. Checks that a

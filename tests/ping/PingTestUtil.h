@@ -2,6 +2,8 @@
 // Helpers shared by the ping tests.
 #include <zandata/ZanData.h>
 
+#include "tests/common/ZanTest.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -56,41 +58,8 @@ inline void ExpectSameFields(const CPing& a, const CPing& b)
     SAME(m_zoom.m_azSetB.m_d[0]);
 #undef SAME
 }
-} // namespace pingtest
 
-namespace pingtest {
-// The bytes a store through a CMemFile produced.
-template <class F>
-std::vector<BYTE> Store(F&& write)
-{
-    CMemFile f;
-    {
-        CArchive ar(&f, CArchive::store);
-        write(ar);
-        ar.Close();
-    }
-    const BYTE* p = f.GetBuffer();
-    return std::vector<BYTE>(p, p + f.GetLength());
-}
-
-// A loading archive over a copy of the bytes.
-struct Loader {
-    explicit Loader(const std::vector<BYTE>& b)
-        : data(b), file(data.data(), static_cast<UINT>(data.size())), ar(&file, CArchive::load) {}
-    std::vector<BYTE> data;
-    CMemFile file;
-    CArchive ar;
-};
-
-// The cause of the CArchiveException that f raises, or -1.
-template <class F>
-int CauseOf(F&& f)
-{
-    try {
-        f();
-    } catch (const CArchiveException& e) {
-        return e.m_cause;
-    }
-    return -1;
-}
+using zantest::CauseOf;
+using zantest::Store;
+using Loader = zantest::CLoader;
 } // namespace pingtest

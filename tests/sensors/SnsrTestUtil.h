@@ -2,6 +2,8 @@
 // Helpers of the sensor tests: records to bytes and back through CArchive.
 #include <zandata/ZanData.h>
 
+#include "tests/common/ZanTest.h"
+
 #include <vector>
 
 namespace snsrtest {
@@ -30,17 +32,7 @@ inline size_t Load(const Bytes& b, CSnsrInf& rec)
     return static_cast<size_t>(ar.GetRemaining());
 }
 
-// The archive exception's cause raised by f, or -1 when none is.
-template <class F>
-int CauseOf(F&& f)
-{
-    try {
-        f();
-    } catch (const CArchiveException& e) {
-        return e.m_cause;
-    }
-    return -1;
-}
+using zantest::CauseOf;
 
 // Concatenation, for writing golden records as head + fields.
 inline Bytes operator+(Bytes a, const Bytes& b)
