@@ -9,7 +9,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <system_error>
 
 CRuntimeClass CTideObj::classCTideObj = CRuntimeClass::Of<CTideObj, CZanWnd>("CTideObj");
@@ -136,8 +135,8 @@ bool CTideObj::ParseLine(const CString& line, double& t, double& v)
 void CTideObj::ReadTHL(CString file)
 {
     if (file.IsEmpty()) return;
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(std::filesystem::path(file.Utf8()), ec)) return;
+    CFileStatus status;
+    if (!CFile::GetStatus(file, status) || (status.m_attribute & 0x10)) return;
     CStdioFile f;
     if (!f.Open(file, CFile::modeRead | CFile::typeText)) return;
 

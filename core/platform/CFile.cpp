@@ -150,6 +150,19 @@ CString CFile::GetFileName() const
     return m_strFileName.Mid(slash + 1);
 }
 
+BOOL CFile::GetStatus(LPCTSTR fileName, CFileStatus& rStatus)
+{
+    if (!fileName) return FALSE;
+    const CString name(fileName);
+    struct stat st {};
+    if (::stat(name.Utf8().c_str(), &st) != 0) return FALSE;
+    rStatus.m_szFullName = name;
+    rStatus.m_size = static_cast<ULONGLONG>(st.st_size);
+    rStatus.m_mtime = static_cast<double>(st.st_mtim.tv_sec) + st.st_mtim.tv_nsec * 1e-9;
+    rStatus.m_attribute = S_ISDIR(st.st_mode) ? 0x10 : 0;
+    return TRUE;
+}
+
 // --- CMemFile ---------------------------------------------------------------
 
 CMemFile::CMemFile(UINT nGrowBytes) : m_nGrowBytes(nGrowBytes ? nGrowBytes : 1024) {}

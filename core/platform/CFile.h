@@ -8,6 +8,14 @@
 #include "core/platform/CString.h"
 #include "core/platform/Types.h"
 
+// What CFile::GetStatus reports of a file.
+struct CFileStatus {
+    CString m_szFullName;     // the path as given
+    ULONGLONG m_size = 0;     // bytes
+    double m_mtime = 0.0;     // last modification, seconds since 1970 (UTC)
+    BYTE m_attribute = 0;     // 0x10 for a folder, else 0
+};
+
 class CFile {
 public:
     enum OpenFlags : UINT {
@@ -42,6 +50,10 @@ public:
     virtual CString GetFilePath() const { return m_strFileName; }
     CString GetFileName() const;
     BOOL IsOpen() const { return m_fd >= 0; }
+    // TRUE, with rStatus filled, when `fileName` names something that exists
+    // (a file or a folder; links are followed); FALSE, rStatus untouched,
+    // when it doesn't or cannot be examined.
+    static BOOL GetStatus(LPCTSTR fileName, CFileStatus& rStatus);
 
 protected:
     int m_fd = -1;

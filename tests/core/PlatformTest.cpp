@@ -196,3 +196,29 @@ TEST(CStdioFile, LinesAndLongLineTails)
     EXPECT_EQ(line, CString(u"last"));
     EXPECT_FALSE(f.ReadString(line));
 }
+
+TEST(CFile, GetStatusOfAFileAFolderAndNothing)
+{
+    const std::string dir = ::testing::TempDir();
+    const CString path = CString::FromUtf8(dir + "status_test.bin");
+    {
+        CFile f(path, CFile::modeCreate | CFile::modeWrite);
+        f.Write("12345", 5);
+    }
+    CFileStatus st;
+    ASSERT_TRUE(CFile::GetStatus(path, st));
+    EXPECT_EQ(st.m_size, 5u);
+    EXPECT_EQ(st.m_attribute, 0);
+    EXPECT_EQ(st.m_szFullName, path);
+    EXPECT_GT(st.m_mtime, 1.6e9);  // after 2020
+
+    CFileStatus folder;
+    ASSERT_TRUE(CFile::GetStatus(CString::FromUtf8(dir), folder));
+    EXPECT_EQ(folder.m_attribute, 0x10);
+
+    CFileStatus none;
+    none.m_size = 77;
+    EXPECT_FALSE(CFile::GetStatus(CString::FromUtf8(dir + "no_such_file"), none));
+    EXPECT_EQ(none.m_size, 77u);  // untouched
+    EXPECT_FALSE(CFile::GetStatus(nullptr, none));
+}
