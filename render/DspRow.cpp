@@ -9,7 +9,9 @@
 #include <immintrin.h>
 // GCC 12 takes the deliberately undefined pass-through operand inside some
 // AVX-512 intrinsics for an uninitialised variable.
+#if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #endif
 
 namespace zan_dsp {
@@ -77,8 +79,13 @@ void DepthColourRowPlain(const BYTE* acc, std::size_t from, std::size_t n, const
 #ifdef ZAN_DSP_X86
 
 // The depth arithmetic must round exactly as the plain form does, so no
-// multiply and add may be fused here.
+// multiply and add may be fused here (clang takes a pragma for that).
+#if defined(__clang__)
+#pragma clang fp contract(off)
+#define ZAN_VBMI __attribute__((target("avx512f,avx512bw,avx512dq,avx512vbmi")))
+#else
 #define ZAN_VBMI __attribute__((target("avx512f,avx512bw,avx512dq,avx512vbmi"), optimize("fp-contract=off")))
+#endif
 
 // A 256-entry byte table in four registers.
 struct Tbl256 {
