@@ -457,8 +457,9 @@ BOOL CZSet::Load(const CString& path)
     CZSet fresh;
     try {
         StoreFromJson(Json::parse(text.str()), fresh);
-    } catch (const Json::parse_error& e) {
-        // The parser's message names the line and column.
+    } catch (const Json::exception& e) {
+        // A syntax error, or a number too large for its type: the parser's
+        // message names the place.
         return Fail(CString::FromUtf8(file + " is damaged: " + e.what()));
     } catch (const BadFile& e) {
         return Fail(CString::FromUtf8(file + " is damaged: " + e.what()));

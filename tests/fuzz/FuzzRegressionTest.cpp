@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -155,6 +156,32 @@ TEST(FuzzRegression, RecordingRefusesASensorRecordThatNamesAnotherType)
     EXPECT_EQ(rec.sensorError, "frame 0 at byte 8: sensor record of type 3 holds type 23");
     ASSERT_EQ(rec.nav.All().size(), 1u);
     EXPECT_EQ(rec.nav.All().begin()->first, CSnsrInf::tMru);
+}
+
+// A settings file holding a number too large for a double: the JSON parser
+// raised its out-of-range exception, which the loader let through to the
+// host (only syntax errors were caught). The file is now refused as damaged
+// and the settings loaded before stay as they were.
+TEST(FuzzRegression, SettingsFileWithANumberBeyondADoubleIsRefused)
+{
+    const std::string path = (std::filesystem::temp_directory_path() / "zan-fuzz-number-overflow.json").string();
+    for (const std::string& text : {std::string("4444e454426006670540074,4"), std::string("{\"a\": 1e999}")}) {
+        {
+            FILE* f = std::fopen(path.c_str(), "wb");
+            ASSERT_NE(f, nullptr);
+            std::fwrite(text.data(), 1, text.size(), f);
+            std::fclose(f);
+        }
+        const Zan::Sink old = Zan::SetSink([](Zan::Kind, unsigned long, int, const CString&) {});
+        CZSet set;
+        set.AddCol(CString(u"Keep"));
+        const BOOL ok = set.Load(CString::FromUtf8(path));
+        Zan::SetSink(old);
+        EXPECT_FALSE(ok) << text;
+        EXPECT_NE(set.m_strError.Utf8().find("is damaged"), std::string::npos) << set.m_strError.Utf8();
+        EXPECT_NE(set.m_cols.GetCount(), 0) << "a refused file must leave the settings as they were";
+    }
+    std::filesystem::remove(path);
 }
 
 }  // namespace
