@@ -184,4 +184,38 @@ TEST(FuzzRegression, SettingsFileWithANumberBeyondADoubleIsRefused)
     std::filesystem::remove(path);
 }
 
+// A recording whose first position record holds a damaged longitude (the
+// frame's CRC being right): the tool took it for the survey's origin and
+// turned the longitude's UTM zone into an int unchecked (undefined
+// behaviour for 1e300 or NaN). Such a fix is now kept as a record but not
+// taken for the origin; the next good one is.
+TEST(FuzzRegression, RecordingOriginSkipsAPositionThatIsNoPlace)
+{
+    const std::string path = (std::filesystem::temp_directory_path() / "zan-fuzz-bad-origin.zrec").string();
+    for (double bad : {1e300, std::numeric_limits<double>::quiet_NaN(), -181.0}) {
+        {
+            zanrec::RecordingWriter w(path);
+            CSnsrPos damaged, good;
+            damaged.m_geo = CV3(bad, 50.0, 0.0);
+            good.m_geo = CV3(-1.0, 50.0, 0.0);
+            good.m_time = 1.0;
+            for (CSnsrPos* p : {&damaged, &good}) {
+                const auto bytes = zanrec::StoreSensor(*p);
+                w.Write(zanrec::FrameKind::Sensor, CSnsrInf::tPos, bytes.data(), bytes.size());
+            }
+            w.Close();
+        }
+        zanrec::Loaded rec;
+        ASSERT_TRUE(zanrec::LoadRecording(path, rec));
+        EXPECT_EQ(rec.badSensor, -1);
+        EXPECT_EQ(rec.nav.Of(CSnsrInf::tPos).size(), 2u);
+        ASSERT_TRUE(rec.hasRef) << bad;
+        double lat = 0.0, lon = 0.0;
+        rec.ref.ToLatLon(0.0, 0.0, lat, lon);
+        EXPECT_NEAR(lat, 50.0, 1e-9) << bad;
+        EXPECT_NEAR(lon, -1.0, 1e-9) << bad;
+    }
+    std::filesystem::remove(path);
+}
+
 }  // namespace

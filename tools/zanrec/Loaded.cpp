@@ -2,6 +2,7 @@
 
 #include "Road.h"
 
+#include <cmath>
 #include <cstdio>
 
 namespace zanrec {
@@ -28,9 +29,13 @@ bool LoadRecording(const std::string& path, Loaded& out)
                 continue;
             }
             if (!out.hasRef && rec->m_type == CSnsrInf::tPos) {
+                // The survey's origin is the first fix that is a place on
+                // the earth; a damaged one is kept as a record only.
                 const auto& p = static_cast<const CSnsrPos&>(*rec);
-                out.ref.SetOrigin(p.m_geo.y, p.m_geo.x);
-                out.hasRef = true;
+                if (std::fabs(p.m_geo.y) <= 90.0 && std::fabs(p.m_geo.x) <= 180.0) {
+                    out.ref.SetOrigin(p.m_geo.y, p.m_geo.x);
+                    out.hasRef = true;
+                }
             }
             out.nav.Add(std::move(rec));
         }

@@ -60,7 +60,10 @@ bool SelectUtm(double lat, double lon)
         Geo::ReadDb(Geo::DefaultDbPath());
         Zan::SetSink(old);
     }
-    const int zone = std::clamp(static_cast<int>(std::floor((lon + 180.0) / 6.0)) + 1, 1, 60);
+    // Held to the zones in floating point: a damaged longitude must not
+    // reach the conversion to int (NaN takes zone 1).
+    const double z = std::floor((lon + 180.0) / 6.0) + 1.0;
+    const int zone = z >= 1.0 && z <= 60.0 ? static_cast<int>(z) : (z > 60.0 ? 60 : 1);
     CString name;
     name.Format(u"UTM_%d%c", zone, lat >= 0 ? u'N' : u'S');
     Geo::type = 0;
