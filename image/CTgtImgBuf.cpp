@@ -64,8 +64,10 @@ void CTgtImg::Alloc(unsigned int nRngs, unsigned int nBrgs)
 {
     const bool bRx2 = Ping()->m_rx2ID != 0;
     const size_t nOld = m_nImgBytes;
-    if (nRngs != 0 && nBrgs != 0) {
-        const size_t nBytes = static_cast<size_t>(m_nPixBytes) * nRngs * nBrgs;
+    const size_t nBytes = static_cast<size_t>(m_nPixBytes) * nRngs * nBrgs;
+    // No plane (a 0 in the shape, m_nPixBytes included) holds no block: a
+    // pointer to nothing would pass for a plane.
+    if (nBytes != 0) {
         const bool bFresh = !m_pImg || nBytes != nOld;
         Resize(m_pImg, nOld, nBytes);
         m_nImgBytes = static_cast<UINT>(nBytes);
@@ -78,7 +80,7 @@ void CTgtImg::Alloc(unsigned int nRngs, unsigned int nBrgs)
         } else {
             Release(m_pImg2);
         }
-    } else if (m_nImgBytes != 0) {
+    } else {
         Release(m_pImg);
         Release(m_pImg2);
         m_nImgBytes = 0;

@@ -235,6 +235,13 @@ void CTgtImg::Serialize(CArchive& ar, unsigned int nFlags)
         UINT nImgBrgs = 0;
         ar >> nImgBrgs;
         ar.CheckAvailable(ImgBlockBytes(nState, ULONGLONG(m_nPixBytes) * nRngs * nImgBrgs, bTwins));
+        // A writer repeats the record's bearing count here. More bearings
+        // than the record's table described would get vectors and bound
+        // words (some 80 bytes each) with nothing behind them when the plane
+        // is empty: each must still be backed by a table entry's 8 bytes of
+        // the file, so that a damaged count cannot allocate what the file
+        // cannot hold.
+        if (nImgBrgs > nBrgs) ar.CheckAvailable(8 * ULONGLONG(nImgBrgs - nBrgs));
         Alloc(nRngs, nImgBrgs);
         if (m_nImgBytes != 0 && !(nState & kComp)) {
             ReadBlock(ar, m_pImg, m_nImgBytes);

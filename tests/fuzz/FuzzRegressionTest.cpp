@@ -218,4 +218,65 @@ TEST(FuzzRegression, RecordingOriginSkipsAPositionThatIsNoPlace)
     std::filesystem::remove(path);
 }
 
+// An image whose pixel size is 0 (a damaged record) has lines and bearings
+// but no plane. Alloc handed it an empty block, and a copy of such an image
+// then held a plane pointer with no bytes behind it. A shape of no bytes now
+// holds no block, in the image and in its copies.
+TEST(FuzzRegression, AnImageOfNoPixelBytesHoldsNoPlane)
+{
+    CTgtImg img;
+    img.Alloc(8, 8);
+    ASSERT_NE(img.m_pImg, nullptr);
+    img.m_nPixBytes = 0;
+    img.Alloc(8, 8);
+    EXPECT_EQ(img.m_pImg, nullptr);
+    EXPECT_EQ(img.m_nImgBytes, 0u);
+    EXPECT_EQ(img.m_vStart.size(), 8u);
+    CTgtImg copy(img);
+    EXPECT_EQ(copy.m_pImg, nullptr);
+    EXPECT_EQ(copy.m_nImgBytes, 0u);
+    CTgtImg assigned;
+    assigned.Alloc(4, 4);
+    assigned = img;
+    EXPECT_EQ(assigned.m_pImg, nullptr);
+    EXPECT_EQ(assigned.m_nImgBytes, 0u);
+}
+
+// An image record of no lines whose intensity block announced some 2^28
+// bearings: the block's plane was empty, so nothing stopped Alloc from
+// sizing the per-bearing vectors (gigabytes) from a record of a few hundred
+// bytes. Bearings beyond the record's table must now be backed by the file.
+TEST(FuzzRegression, ImageBlockBearingsBeyondTheTableMustBeBacked)
+{
+    CTgtImg img;
+    img.Ping()->SetNumBeams(3);
+    img.Alloc(0, 3);
+    Bytes rec;
+    {
+        CMemFile f;
+        CArchive ar(&f, CArchive::store);
+        img.Serialize(ar, 0x04);  // the intensity block alone
+        ar.Close();
+        rec.assign(f.GetBuffer(), f.GetBuffer() + f.GetLength());
+    }
+    // The tail: the block's bearing count, then no boundaries.
+    ASSERT_GE(rec.size(), 8u);
+    UINT n = 0;
+    std::memcpy(&n, rec.data() + rec.size() - 8, 4);
+    ASSERT_EQ(n, 3u);
+    for (const UINT bad : {4u, 0x10000000u}) {
+        std::memcpy(rec.data() + rec.size() - 8, &bad, 4);
+        CTgtImg fresh;
+        fresh.Ping()->SetNumBeams(3);
+        int cause = -1;
+        try {
+            LoadFrom(rec, [&](CArchive& ar) { fresh.Serialize(ar, 0); });
+        } catch (const CArchiveException& e) {
+            cause = e.m_cause;
+        }
+        EXPECT_EQ(cause, CArchiveException::endOfFile) << bad;
+        EXPECT_LE(fresh.m_vStart.size(), 3u) << bad;
+    }
+}
+
 }  // namespace
