@@ -58,6 +58,15 @@ void CopyBytes(void* pDst, const void* pSrc, size_t nDst, size_t nSrc)
     if (pDst && pSrc) std::memcpy(pDst, pSrc, std::min(nDst, nSrc));
 }
 
+// dst sized like src. A source whose plane a loader left out (its record
+// could not back one) is copied as it is, lines and bearings without a
+// plane: a copy must not allocate what the original could not.
+void AllocLike(CTgtImg& dst, const CTgtImg& src)
+{
+    dst.Alloc(src.m_pImg ? src.m_nRngs : 0, src.m_nBrgs);
+    dst.m_nRngs = src.m_nRngs;
+}
+
 }  // namespace
 
 void CTgtImg::Alloc(unsigned int nRngs, unsigned int nBrgs)
@@ -359,7 +368,7 @@ CTgtImg::CTgtImg(CTgtImg& src) : CTgtImg()
     CopyPA(src);
     AllocLX(src.m_nRngs, src.m_pLX ? 4 : 0);
     CopyBytes(m_pLX, src.m_pLX, m_nLXBytes, src.m_nLXBytes);
-    Alloc(src.m_nRngs, src.m_nBrgs);
+    AllocLike(*this, src);
     CopyImg(src);
     CopyVectors(src);
     if (m_pBrgBnd) std::memset(m_pBrgBnd, 0, static_cast<size_t>(m_nBrgs) * 4);
@@ -377,7 +386,7 @@ CTgtImg& CTgtImg::operator=(CTgtImg const& src)
     if (PAShapeDiffers(old, src)) AllocPA(src.m_nRngs, src.m_nPAWidth);
     if (m_nPABytes != 0) CopyPA(src);
     CopyLX(old, src);
-    if (ImgShapeDiffers(old, src)) Alloc(src.m_nRngs, src.m_nBrgs);
+    if (ImgShapeDiffers(old, src)) AllocLike(*this, src);
     if (m_nImgBytes != 0) {
         CopyImg(src);
         CopyBrgBnd(src);
@@ -403,7 +412,7 @@ void CTgtImg::CopyPreserve(CTgtImg const& src)
     }
     if (src.m_nRngs != 0 && src.m_nLXBytes != 0) CopyLX(old, src);
     if (src.m_nRngs != 0 && src.m_nBrgs != 0) {
-        if (ImgShapeDiffers(old, src)) Alloc(src.m_nRngs, src.m_nBrgs);
+        if (ImgShapeDiffers(old, src)) AllocLike(*this, src);
         if (m_nImgBytes != 0) {
             CopyImg(src);
             CopyBrgBnd(src);
@@ -422,7 +431,7 @@ void CTgtImg::Set(CTgtImg& src)
     if (QIShapeDiffers(old, src)) AllocQI(src.m_nRngs, src.m_nQIWidth);
     if (PAShapeDiffers(old, src)) AllocPA(src.m_nRngs, src.m_nPAWidth);
     CopyLX(old, src);
-    if (ImgShapeDiffers(old, src)) Alloc(src.m_nRngs, src.m_nBrgs);
+    if (ImgShapeDiffers(old, src)) AllocLike(*this, src);
     m_nBndLevel = src.m_nBndLevel;
     CopyVectors(src);
     CopyBrgBnd(src);

@@ -279,4 +279,32 @@ TEST(FuzzRegression, ImageBlockBearingsBeyondTheTableMustBeBacked)
     }
 }
 
+// An image record without an intensity block whose line count the file
+// cannot back: the loader leaves the plane out (lines and bearings, no
+// plane). Copying such an image sized the plane in full, and beyond 4 GiB
+// that ended the process. A copy now takes the shape as it is, plane-less.
+TEST(FuzzRegression, CopiesOfAnImageWithoutItsPlaneAllocateNoPlane)
+{
+    CTgtImg img;
+    img.m_nPixBytes = 2;
+    img.Alloc(0, 4);
+    img.m_nRngs = 0x40000000u;  // as the loader leaves it: 8 GiB of plane unbacked
+    ASSERT_EQ(img.m_pImg, nullptr);
+    CTgtImg copy(img);
+    EXPECT_EQ(copy.m_pImg, nullptr);
+    EXPECT_EQ(copy.m_nImgBytes, 0u);
+    EXPECT_EQ(copy.m_nRngs, img.m_nRngs);
+    EXPECT_EQ(copy.m_nBrgs, 4u);
+    CTgtImg assigned;
+    assigned.Alloc(10, 4);
+    assigned = img;
+    EXPECT_EQ(assigned.m_pImg, nullptr);
+    EXPECT_EQ(assigned.m_nRngs, img.m_nRngs);
+    CTgtImg kept;
+    kept.Alloc(10, 4);
+    kept.CopyPreserve(img);
+    EXPECT_EQ(kept.m_pImg, nullptr);
+    EXPECT_EQ(kept.m_nRngs, img.m_nRngs);
+}
+
 }  // namespace
