@@ -58,6 +58,17 @@ void CopyBytes(void* pDst, const void* pSrc, size_t nDst, size_t nSrc)
     if (pDst && pSrc) std::memcpy(pDst, pSrc, std::min(nDst, nSrc));
 }
 
+// The lines a copy sizes a block of `width` bytes a line by: the source's
+// line count, unless the source's block holds less than that shape (a block
+// a loader left as it was while the record moved the line count); then the
+// lines the source's block holds, so that a copy never allocates more than
+// its original holds. The copy's m_nRngs is set to the source's afterwards.
+unsigned CopyLines(const CTgtImg& src, UINT srcBytes, UINT width)
+{
+    if (width == 0 || ULONGLONG(src.m_nRngs) * width <= srcBytes) return src.m_nRngs;
+    return srcBytes / width;
+}
+
 // dst sized like src. A source whose plane a loader left out (its record
 // could not back one) is copied as it is, lines and bearings without a
 // plane: a copy must not allocate what the original could not.
@@ -303,7 +314,8 @@ void CTgtImg::CopyImg(CTgtImg const& src)
 
 void CTgtImg::CopyLX(const Shape& old, CTgtImg const& src)
 {
-    if (old.nRngs != src.m_nRngs || m_nLXBytes != src.m_nLXBytes) AllocLX(src.m_nRngs, src.m_nLXBytes ? 4 : 0);
+    if (old.nRngs != src.m_nRngs || m_nLXBytes != src.m_nLXBytes)
+        AllocLX(CopyLines(src, src.m_nLXBytes, 4), src.m_nLXBytes ? 4 : 0);
     if (m_nLXBytes == src.m_nLXBytes) CopyBytes(m_pLX, src.m_pLX, m_nLXBytes, src.m_nLXBytes);
 }
 
@@ -362,11 +374,11 @@ void CTgtImg::CopyZoom(CTgtImg const& src, bool bFresh)
 CTgtImg::CTgtImg(CTgtImg& src) : CTgtImg()
 {
     CopyHeader(src);
-    AllocQI(src.m_nRngs, src.m_nQIWidth);
+    AllocQI(CopyLines(src, src.m_nQIBytes, src.m_nQIWidth), src.m_nQIWidth);
     CopyQI(src);
-    AllocPA(src.m_nRngs, src.m_nPAWidth);
+    AllocPA(CopyLines(src, src.m_nPABytes, src.m_nPAWidth), src.m_nPAWidth);
     CopyPA(src);
-    AllocLX(src.m_nRngs, src.m_pLX ? 4 : 0);
+    AllocLX(CopyLines(src, src.m_nLXBytes, 4), src.m_pLX ? 4 : 0);
     CopyBytes(m_pLX, src.m_pLX, m_nLXBytes, src.m_nLXBytes);
     AllocLike(*this, src);
     CopyImg(src);
@@ -375,15 +387,16 @@ CTgtImg::CTgtImg(CTgtImg& src) : CTgtImg()
     m_nBndLevel = src.m_nBndLevel;
     CopyBnds(src);
     CopyZoom(src, true);
+    m_nRngs = src.m_nRngs;
 }
 
 CTgtImg& CTgtImg::operator=(CTgtImg const& src)
 {
     if (&src == this) return *this;
     const Shape old = CopyHeader(src);
-    if (QIShapeDiffers(old, src)) AllocQI(src.m_nRngs, src.m_nQIWidth);
+    if (QIShapeDiffers(old, src)) AllocQI(CopyLines(src, src.m_nQIBytes, src.m_nQIWidth), src.m_nQIWidth);
     if (m_nQIBytes != 0) CopyQI(src);
-    if (PAShapeDiffers(old, src)) AllocPA(src.m_nRngs, src.m_nPAWidth);
+    if (PAShapeDiffers(old, src)) AllocPA(CopyLines(src, src.m_nPABytes, src.m_nPAWidth), src.m_nPAWidth);
     if (m_nPABytes != 0) CopyPA(src);
     CopyLX(old, src);
     if (ImgShapeDiffers(old, src)) AllocLike(*this, src);
@@ -395,6 +408,7 @@ CTgtImg& CTgtImg::operator=(CTgtImg const& src)
     CopyVectors(src);
     CopyBnds(src);
     CopyZoom(src, false);
+    m_nRngs = src.m_nRngs;
     return *this;
 }
 
@@ -403,11 +417,11 @@ void CTgtImg::CopyPreserve(CTgtImg const& src)
     if (&src == this) return;
     const Shape old = CopyHeader(src);
     if (src.m_nRngs != 0 && src.m_nQIWidth != 0) {
-        if (QIShapeDiffers(old, src)) AllocQI(src.m_nRngs, src.m_nQIWidth);
+        if (QIShapeDiffers(old, src)) AllocQI(CopyLines(src, src.m_nQIBytes, src.m_nQIWidth), src.m_nQIWidth);
         if (m_nQIBytes != 0) CopyQI(src);
     }
     if (src.m_nRngs != 0 && src.m_nPAWidth != 0) {
-        if (PAShapeDiffers(old, src)) AllocPA(src.m_nRngs, src.m_nPAWidth);
+        if (PAShapeDiffers(old, src)) AllocPA(CopyLines(src, src.m_nPABytes, src.m_nPAWidth), src.m_nPAWidth);
         if (m_nPABytes != 0) CopyPA(src);
     }
     if (src.m_nRngs != 0 && src.m_nLXBytes != 0) CopyLX(old, src);
@@ -422,18 +436,23 @@ void CTgtImg::CopyPreserve(CTgtImg const& src)
     CopyVectors(src);
     CopyBnds(src);
     CopyZoom(src, false);
+    // Any block taken over took the source's lines (CopyLines may have
+    // sized it by fewer).
+    if (src.m_nRngs != 0 && (src.m_nQIWidth != 0 || src.m_nPAWidth != 0 || src.m_nLXBytes != 0 || src.m_nBrgs != 0))
+        m_nRngs = src.m_nRngs;
 }
 
 void CTgtImg::Set(CTgtImg& src)
 {
     if (&src == this) return;
     const Shape old = CopyHeader(src);
-    if (QIShapeDiffers(old, src)) AllocQI(src.m_nRngs, src.m_nQIWidth);
-    if (PAShapeDiffers(old, src)) AllocPA(src.m_nRngs, src.m_nPAWidth);
+    if (QIShapeDiffers(old, src)) AllocQI(CopyLines(src, src.m_nQIBytes, src.m_nQIWidth), src.m_nQIWidth);
+    if (PAShapeDiffers(old, src)) AllocPA(CopyLines(src, src.m_nPABytes, src.m_nPAWidth), src.m_nPAWidth);
     CopyLX(old, src);
     if (ImgShapeDiffers(old, src)) AllocLike(*this, src);
     m_nBndLevel = src.m_nBndLevel;
     CopyVectors(src);
     CopyBrgBnd(src);
     CopyZoom(src, false);
+    m_nRngs = src.m_nRngs;
 }

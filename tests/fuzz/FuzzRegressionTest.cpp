@@ -307,4 +307,33 @@ TEST(FuzzRegression, CopiesOfAnImageWithoutItsPlaneAllocateNoPlane)
     EXPECT_EQ(kept.m_nRngs, img.m_nRngs);
 }
 
+// The same for the raw plane and the line records that a record without
+// those blocks leaves as they were while it moves the line count: a copy
+// holds what the original holds, not the lines the count would ask for.
+TEST(FuzzRegression, CopiesOfLeftOverBlocksHoldWhatTheOriginalHolds)
+{
+    CTgtImg img;
+    img.AllocQI(10, 8);
+    img.AllocPA(10, 4);
+    img.AllocLX(10, 4);
+    for (UINT i = 0; i < img.m_nQIBytes; ++i) img.m_pQI[i] = static_cast<BYTE>(i);
+    img.m_nRngs = 0x20000000u;  // a damaged count: 4 GiB of raw plane unbacked
+    CTgtImg copy(img);
+    EXPECT_EQ(copy.m_nQIBytes, 80u);
+    EXPECT_EQ(copy.m_nPABytes, 40u);
+    EXPECT_EQ(copy.m_nLXBytes, 40u);
+    EXPECT_EQ(copy.m_nRngs, img.m_nRngs);
+    ASSERT_NE(copy.m_pQI, nullptr);
+    EXPECT_EQ(std::memcmp(copy.m_pQI, img.m_pQI, 80), 0);
+    CTgtImg assigned;
+    assigned.AllocQI(3, 2);
+    assigned = img;
+    EXPECT_EQ(assigned.m_nQIBytes, 80u);
+    EXPECT_EQ(assigned.m_nRngs, img.m_nRngs);
+    CTgtImg set;
+    set.Set(img);
+    EXPECT_EQ(set.m_nQIBytes, 80u);
+    EXPECT_EQ(set.m_nRngs, img.m_nRngs);
+}
+
 }  // namespace
