@@ -71,10 +71,15 @@ unsigned CopyLines(const CTgtImg& src, UINT srcBytes, UINT width)
 
 // dst sized like src. A source whose plane a loader left out (its record
 // could not back one) is copied as it is, lines and bearings without a
-// plane: a copy must not allocate what the original could not.
+// plane; one whose plane is smaller than its shape (a record of no bearings
+// moves the line count and pixel size and leaves the plane) gets the lines
+// that plane holds. A copy must not allocate what the original does not hold.
 void AllocLike(CTgtImg& dst, const CTgtImg& src)
 {
-    dst.Alloc(src.m_pImg ? src.m_nRngs : 0, src.m_nBrgs);
+    const ULONGLONG line = ULONGLONG(src.m_nPixBytes) * src.m_nBrgs;
+    unsigned lines = src.m_pImg ? src.m_nRngs : 0;
+    if (line != 0 && ULONGLONG(lines) * line > src.m_nImgBytes) lines = static_cast<unsigned>(src.m_nImgBytes / line);
+    dst.Alloc(lines, src.m_nBrgs);
     dst.m_nRngs = src.m_nRngs;
 }
 

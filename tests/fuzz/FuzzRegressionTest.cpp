@@ -334,6 +334,19 @@ TEST(FuzzRegression, CopiesOfLeftOverBlocksHoldWhatTheOriginalHolds)
     set.Set(img);
     EXPECT_EQ(set.m_nQIBytes, 80u);
     EXPECT_EQ(set.m_nRngs, img.m_nRngs);
+
+    // An intensity plane left behind by a record of no bearings, which moved
+    // the line count and the pixel size past it.
+    CTgtImg plane;
+    plane.Alloc(10, 4);
+    plane.m_nPixBytes = 200;
+    plane.m_nRngs = 0x01000000u;
+    CTgtImg planeCopy(plane);
+    EXPECT_LE(planeCopy.m_nImgBytes, 40u);
+    EXPECT_EQ(planeCopy.m_nRngs, plane.m_nRngs);
+    CTgtImg planeAssigned;
+    planeAssigned = plane;
+    EXPECT_LE(planeAssigned.m_nImgBytes, 40u);
 }
 
 }  // namespace
