@@ -66,6 +66,24 @@ void BeginStrip(float transp)
     glBegin(GL_TRIANGLE_STRIP);
 }
 
+// One column of a flat fan: the far and the near point on the bearing
+// `angle`, at texture column u.
+void FanColumn(double u, double vMax, double angle, double nearM, double farM)
+{
+    glTexCoord2d(u, vMax);
+    glVertex3d(std::cos(angle) * farM, std::sin(angle) * farM, 0.0);
+    glTexCoord2d(u, 0.0);
+    glVertex3d(std::cos(angle) * nearM, std::sin(angle) * nearM, 0.0);
+}
+
+// The strip's end: what BeginStrip turned on goes off again.
+void EndStrip()
+{
+    glEnd();
+    glDisable(GL_BLEND);
+    glDisable(GL_TEXTURE_2D);
+}
+
 // Entries of the ping's bearing table that may be read.
 std::size_t BrgTblSize(const CPing& p) { return p.m_pBrgTbl && p.m_numBeams > 0 ? static_cast<std::size_t>(p.m_numBeams) : 0; }
 
@@ -117,15 +135,9 @@ void CTgtImg::DrawFan(double brgOfs, int flip, float transp)
     const std::size_t n = std::min<std::size_t>(m_nBrgs, BrgTblSize(p));
     for (std::size_t x = 0; x < n; ++x) {
         const double u = flip ? (m_nBrgs - x - 1 + 0.5) / m_nBrgs : (x + 0.5) / m_nBrgs;
-        const double angle = p.m_pBrgTbl[x] + brgOfs;
-        glTexCoord2d(u, vMax);
-        glVertex3d(std::cos(angle) * farM, std::sin(angle) * farM, 0.0);
-        glTexCoord2d(u, 0.0);
-        glVertex3d(std::cos(angle) * nearM, std::sin(angle) * nearM, 0.0);
+        FanColumn(u, vMax, p.m_pBrgTbl[x] + brgOfs, nearM, farM);
     }
-    glEnd();
-    glDisable(GL_BLEND);
-    glDisable(GL_TEXTURE_2D);
+    EndStrip();
 }
 
 void CTgtImg::DrawAZFan(double brgOfs, int flip, double transp)
@@ -152,15 +164,9 @@ void CTgtImg::DrawAZFan(double brgOfs, int flip, double transp)
                                                       static_cast<long long>(m_nAZBrgs) - 1)
                                 : static_cast<double>(x - m_nAZStartBrg);
         const double u = (col + 0.5) / m_nAZBrgs;
-        const double angle = p.m_pBrgTbl[x] + brgOfs;
-        glTexCoord2d(u, vMax);
-        glVertex3d(std::cos(angle) * farM, std::sin(angle) * farM, 0.0);
-        glTexCoord2d(u, 0.0);
-        glVertex3d(std::cos(angle) * nearM, std::sin(angle) * nearM, 0.0);
+        FanColumn(u, vMax, p.m_pBrgTbl[x] + brgOfs, nearM, farM);
     }
-    glEnd();
-    glDisable(GL_BLEND);
-    glDisable(GL_TEXTURE_2D);
+    EndStrip();
 }
 
 void CTgtImg::DrawGrid(CDsp& dsp, int nRings)

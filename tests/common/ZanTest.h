@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -128,6 +129,29 @@ public:
 
 private:
     std::filesystem::path m_dir;
+};
+
+// Installs a file chooser for the life of the object, recording every
+// dialog it is shown; it answers `path`, or declines when that is empty.
+class CChooser {
+public:
+    explicit CChooser(std::string path) : m_path(std::move(path))
+    {
+        m_old = CFileDialog::SetChooser([this](const CFileDialog& dlg, CString& out) -> BOOL {
+            m_dialogs.push_back(dlg);
+            if (m_path.empty()) return FALSE;
+            out = W(m_path);
+            return TRUE;
+        });
+    }
+    ~CChooser() { CFileDialog::SetChooser(m_old); }
+    CChooser(const CChooser&) = delete;
+    CChooser& operator=(const CChooser&) = delete;
+    std::string m_path;
+    std::vector<CFileDialog> m_dialogs;
+
+private:
+    CFileDialog::Chooser m_old;
 };
 
 } // namespace zantest

@@ -17,6 +17,7 @@
 
 namespace envtest {
 
+using zantest::CChooser;
 using zantest::CConsole;
 using zantest::CScratch;
 using zantest::W;
@@ -37,27 +38,5 @@ inline void Picture(CZanWnd& panel, const std::string& name)
     EXPECT_EQ(std::string(sig + 1, 3), "PNG") << path;
 }
 
-// Installs a file chooser for the life of the object, recording every
-// dialog it is shown; it answers `path`, or declines when that is empty.
-class CChooser {
-public:
-    explicit CChooser(std::string path) : m_path(std::move(path))
-    {
-        m_old = CFileDialog::SetChooser([this](const CFileDialog& dlg, CString& out) -> BOOL {
-            m_dialogs.push_back(dlg);
-            if (m_path.empty()) return FALSE;
-            out = W(m_path);
-            return TRUE;
-        });
-    }
-    ~CChooser() { CFileDialog::SetChooser(m_old); }
-    CChooser(const CChooser&) = delete;
-    CChooser& operator=(const CChooser&) = delete;
-    std::string m_path;
-    std::vector<CFileDialog> m_dialogs;
-
-private:
-    CFileDialog::Chooser m_old;
-};
 
 }  // namespace envtest

@@ -3,6 +3,7 @@
 #include "GeoTestUtil.h"
 
 using namespace geotest;
+using zantest::CChooser;
 
 namespace {
 
@@ -31,25 +32,6 @@ std::string Sel(const CZSetObj& obj, const char16_t* key)
     return it ? it->m_str.Utf8() : "<missing>";
 }
 
-// A file chooser for one test that answers `path` (declines when empty).
-class CChooser {
-public:
-    explicit CChooser(std::string path) : m_path(std::move(path))
-    {
-        m_old = CFileDialog::SetChooser([this](const CFileDialog& dlg, CString& out) -> BOOL {
-            m_dialogs.push_back(dlg);
-            if (m_path.empty()) return FALSE;
-            out = W(m_path);
-            return TRUE;
-        });
-    }
-    ~CChooser() { CFileDialog::SetChooser(m_old); }
-    std::string m_path;
-    std::vector<CFileDialog> m_dialogs;
-
-private:
-    CFileDialog::Chooser m_old;
-};
 
 class GeoSelPanel : public GeoState {
 protected:
