@@ -6,6 +6,7 @@
 #include "geo/CSphd.h"
 
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -52,52 +53,175 @@ public:
         return m_bk0 * (m_c0 * (phi - m_phi0) - m_c1 * sd * cs + m_c2 * sd2 * cs2 - m_c3 * sd3 * cs3);
     }
 
-    // The Taylor coefficients M^(k)/k!, k = 1 to 6, at a latitude given by
-    // its sine and cosine. By sin(ku)·cos(kv) = (sin 2kφ − sin 2kφ0)/2
-    // (u = φ − φ0, v = φ + φ0) the arc is a sine series in 2φ, 4φ, 6φ, whose
-    // derivatives are plain sines and cosines of those angles. The seventh
-    // term is under (3n/2)·b·k0·2^7·d^7/7! (4e-13 m for d = 0.01 rad on
-    // WGS84), so over such a step the polynomial is the arc to rounding.
-    void Taylor(double s, double c, double (&p)[6]) const
-    {
-        const double S2 = 2.0 * s * c, C2 = c * c - s * s;
-        const double S4 = 2.0 * S2 * C2, C4 = C2 * C2 - S2 * S2;
-        const double S6 = S4 * C2 + C4 * S2, C6 = C4 * C2 - S4 * S2;
-        const double a2 = m_c1 * S2, b2 = m_c1 * C2, a4 = m_c2 * S4, b4 = m_c2 * C4, a6 = m_c3 * S6, b6 = m_c3 * C6;
-        p[0] = m_bk0 * (m_c0 - b2 + 2.0 * b4 - 3.0 * b6);
-        p[1] = m_bk0 * (a2 - 4.0 * a4 + 9.0 * a6);
-        p[2] = m_bk0 * (2.0 / 3.0 * b2 - 16.0 / 3.0 * b4 + 18.0 * b6);
-        p[3] = m_bk0 * (-1.0 / 3.0 * a2 + 16.0 / 3.0 * a4 - 27.0 * a6);
-        p[4] = m_bk0 * (-2.0 / 15.0 * b2 + 64.0 / 15.0 * b4 - 162.0 / 5.0 * b6);
-        p[5] = m_bk0 * (2.0 / 45.0 * a2 - 128.0 / 45.0 * a4 + 162.0 / 5.0 * a6);
-    }
-
 private:
     double m_phi0, m_sin0 = 0.0, m_cos0 = 1.0;
     double m_bk0 = 0.0, m_c0 = 0.0, m_c1 = 0.0, m_c2 = 0.0, m_c3 = 0.0;
 };
 
-// Turns sin φ and cos φ into those of φ + d by the angle-sum identity. Short
-// series give sin d and cos d exactly to rounding for the small steps of the
-// footpoint iteration (two terms each under 1e-4 rad, four under 0.02); a
-// larger step calls sin and cos.
-void Rotate(double d, double& s, double& c)
+// sin x and cos x for |x| < 1.6 from their Taylor series to x^21 and x^22
+// (the next terms are under 2e-18), in Estrin's arrangement: within an ulp
+// or two of the library's, with a short dependency chain and no call.
+[[gnu::always_inline]] inline void SinCosNear(double x, double& s, double& c)
+{
+    const double z = x * x, z2 = z * z, z4 = z2 * z2, z8 = z4 * z4;
+    const double sa = (1.0 - z * (1.0 / 6.0)) + z2 * (1.0 / 120.0 - z * (1.0 / 5040.0));
+    const double sb = (1.0 / 362880.0 - z * (1.0 / 39916800.0)) + z2 * (1.0 / 6227020800.0 - z * (1.0 / 1307674368000.0));
+    const double sc = (1.0 / 355687428096000.0 - z * (1.0 / 121645100408832000.0)) + z2 * (1.0 / 51090942171709440000.0);
+    s = x * (sa + z4 * sb + z8 * sc);
+    const double ca = (1.0 - z * 0.5) + z2 * (1.0 / 24.0 - z * (1.0 / 720.0));
+    const double cb = (1.0 / 40320.0 - z * (1.0 / 3628800.0)) + z2 * (1.0 / 479001600.0 - z * (1.0 / 87178291200.0));
+    const double cc = (1.0 / 20922789888000.0 - z * (1.0 / 6402373705728000.0)) +
+                      z2 * (1.0 / 2432902008176640000.0 - z * (1.0 / 1124000727777607680000.0));
+    c = ca + z4 * cb + z8 * cc;
+}
+
+// Turns sin φ and cos φ into those of φ + d for |d| < 0.006 by the
+// angle-sum identity; the series of sin d and cos d are exact to rounding
+// there (the first terms left out are under 1e-19).
+[[gnu::always_inline]] inline void RotateSmall(double d, double& s, double& c)
 {
     const double d2 = d * d;
-    double sd, cd;
-    if (std::fabs(d) < 1e-4) {
-        sd = d - d * d2 * (1.0 / 6.0);
-        cd = 1.0 - 0.5 * d2;
-    } else if (std::fabs(d) < 0.02) {
-        sd = d * (1.0 - d2 * (1.0 / 6.0) * (1.0 - d2 * (1.0 / 20.0) * (1.0 - d2 * (1.0 / 42.0))));
-        cd = 1.0 - 0.5 * d2 * (1.0 - d2 * (1.0 / 12.0) * (1.0 - d2 * (1.0 / 30.0) * (1.0 - d2 * (1.0 / 56.0))));
-    } else {
-        sd = std::sin(d);
-        cd = std::cos(d);
-    }
+    const double sd = d * (1.0 - d2 * (1.0 / 6.0) * (1.0 - d2 * (1.0 / 20.0)));
+    const double cd = 1.0 - 0.5 * d2 * (1.0 - d2 * (1.0 / 12.0) * (1.0 - d2 * (1.0 / 30.0)));
     const double sNew = s * cd + c * sd;
     c = c * cd - s * sd;
     s = sNew;
+}
+
+// What the inverse needs of a spheroid and a projection, kept per thread for
+// the last pair seen: a run of points on one grid works them out once.
+//
+// By sin(φ−φ0)·cos(φ+φ0) = (sin 2φ − sin 2φ0)/2 and its multiples, the arc
+// is M(φ) = R·(μ(φ) − μ(φ0)) with R = b·k0·c0 and
+// μ(φ) = φ − A1·sin 2φ + A2·sin 4φ − A3·sin 6φ, Ak = ck/(2·c0): a rectifying
+// latitude. Its inverse φ = μ + sin 2μ·Σ qj·cos^j 2μ (Lagrange's reversion
+// of that very series, the qj in n to n^6, Chebyshev sums folded into powers
+// of cos 2μ) gives the footpoint without passes; the terms left out are
+// under 1e-17 rad for |n| < 0.01, which holds for every earth spheroid.
+struct CTmInverse {
+    // The record values these were worked out from. NaN never compares
+    // equal, so the first call (and any call with a NaN) works them out.
+    static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+    double a = kNaN, b = kNaN, e2 = kNaN, k0 = kNaN, phi0 = kNaN;
+    bool series = false;  // |n| < 0.01: the reversion holds
+    double invAk0 = 0.0, inv1e2 = 0.0, R = 0.0, invR = 0.0, A1 = 0.0, A2 = 0.0, A3 = 0.0, mu0 = 0.0;
+    double q[6] = {};
+
+    void Prepare(const CSphd& sphd, const CProj& proj)
+    {
+        a = sphd.m_semiMajor;
+        b = sphd.m_semiMinor;
+        e2 = sphd.m_ecc2;
+        k0 = proj.m_scale;
+        phi0 = proj.m_latOrigin;
+        const double n = (a - b) / (a + b), n2 = n * n, n3 = n2 * n;
+        const double c0 = 1.0 + n + 5.0 / 4.0 * n2 + 5.0 / 4.0 * n3;
+        const double h = 0.5 / c0;
+        A1 = (3.0 * n + 3.0 * n2 + 21.0 / 8.0 * n3) * h;
+        A2 = (15.0 / 8.0 * n2 + 15.0 / 8.0 * n3) * h;
+        A3 = 35.0 / 24.0 * n3 * h;
+        R = b * k0 * c0;
+        invR = 1.0 / R;
+        invAk0 = 1.0 / (a * k0);
+        inv1e2 = 1.0 / (1.0 - e2);
+        mu0 = phi0 == 0.0 ? 0.0 : phi0 - A1 * std::sin(2.0 * phi0) + A2 * std::sin(4.0 * phi0) - A3 * std::sin(6.0 * phi0);
+        series = std::fabs(n) < 0.01;
+        q[0] = n * (3.0 / 2.0 + n2 * (-29.0 / 12.0 + n * (-7.0 / 12.0 + n * (539.0 / 48.0 - 245.0 / 12.0 * n))));
+        q[1] = n2 * (21.0 / 8.0 + n2 * (-209.0 / 16.0 + n * (14.0 + 30841.0 / 160.0 * n)));
+        q[2] = n3 * (151.0 / 24.0 + n * (-35.0 / 12.0 + n * (-18617.0 / 192.0 + 10871.0 / 48.0 * n)));
+        q[3] = n2 * n2 * (353.0 / 16.0 + n * (-35.0 - 778327.0 / 960.0 * n));
+        q[4] = n3 * n2 * (7375.0 / 64.0 - 4375.0 / 16.0 * n);
+        q[5] = n3 * n3 * (671161.0 / 960.0);
+    }
+
+    const CTmInverse& For(const CSphd& sphd, const CProj& proj)
+    {
+        if (!(a == sphd.m_semiMajor && b == sphd.m_semiMinor && e2 == sphd.m_ecc2 && k0 == proj.m_scale &&
+              phi0 == proj.m_latOrigin))
+            Prepare(sphd, proj);
+        return *this;
+    }
+};
+
+// The helpers above are inlined so that the FMA build of enz2llh covers them.
+// Initial-exec: one load from the thread pointer rather than a call per point.
+[[gnu::tls_model("initial-exec")]] thread_local CTmInverse t_tmInverse;
+
+// The footpoint latitude where the iteration stops, with its sine and cosine.
+// eps is how far that stop lies short of the latitude given here: the caller
+// moves its result by eps along the derivatives.
+struct CFootpoint {
+    double phi, s, c, eps;
+};
+
+// The iteration as written: φ′ += r/(a·k0), r = N − N0 − M(φ′), until a pass
+// whose |r| is under 1 mm, that pass's correction applied too. The pass
+// bound and tests that are false for NaN make absurd or non-finite input
+// return. Only points that the series below does not cover come here.
+CFootpoint FootpointByPasses(const CSphd& sphd, const CProj& proj, double dN)
+{
+    const CArc arc(sphd, proj);
+    const double ak0 = sphd.m_semiMajor * proj.m_scale;
+    double phi = dN / ak0 + proj.m_latOrigin;
+    for (int pass = 0; pass < kMaxPasses; ++pass) {
+        const double r = dN - arc(phi, std::sin(phi), std::cos(phi));
+        phi += r / ak0;
+        if (!(std::fabs(r) >= 0.001)) break;
+    }
+    return {phi, std::sin(phi), std::cos(phi), 0.0};
+}
+
+// The same stop without passes. The reversion gives the footpoint φ* itself;
+// the iteration ends a little short of it, and where is worked out from the
+// start φs: the first pass leaves e1 = φ* − φs − r0/(a·k0), and every later
+// pass multiplies the error by λ = 1 − M′(φ*)/(a·k0) (|λ| ≤ e², its square
+// term under 1e-4 of it there), its residual being M′·e. The pass k whose
+// |M′·e_k| first falls under 1 mm ends it, λ·e_k short of φ*. Agrees with
+// the iteration to 1e-15 rad. False when the point is outside the series'
+// reach (|μ| ≥ 1.6, a start more than 0.006 rad out, or non-finite).
+[[gnu::always_inline]] inline bool FootpointBySeries(const CTmInverse& k, double dN, CFootpoint& fp)
+{
+    const double mu = dN * k.invR + k.mu0;
+    const double phiS = dN * k.invAk0 + k.phi0;  // the iteration's start
+    const double dS = phiS - mu;
+    if (!(k.series && std::fabs(mu) < 1.6 && std::fabs(dS) < 0.006)) return false;
+
+    double s, c;
+    SinCosNear(mu, s, c);
+    const double S2 = 2.0 * s * c, C2 = c * c - s * s, C22 = C2 * C2;
+    const double delta = S2 * ((k.q[0] + C2 * k.q[1]) + C22 * ((k.q[2] + C2 * k.q[3]) + C22 * (k.q[4] + C2 * k.q[5])));
+    fp.phi = mu + delta;
+    fp.s = s;
+    fp.c = c;
+    RotateSmall(delta, fp.s, fp.c);
+
+    // The first residual r0 = N − N0 − M(φs) = R·(μ(φs) − μ), from the
+    // multiple angles of φs = μ + dS.
+    double sS = s, cS = c;
+    RotateSmall(dS, sS, cS);
+    const double S2s = 2.0 * sS * cS, C2s = cS * cS - sS * sS;
+    const double S4s = 2.0 * S2s * C2s, C4s = C2s * C2s - S2s * S2s;
+    const double S6s = S4s * C2s + C4s * S2s;
+    const double r0 = k.R * ((k.A1 * S2s - k.A2 * S4s + k.A3 * S6s) - dS);
+    const double e1 = (delta - dS) - r0 * k.invAk0;
+
+    // M′(φ*) from cos 2φ* = cos 2μ − 2δ·sin 2μ to first order (1e-5 of it,
+    // ample for λ).
+    const double C2f = C2 - 2.0 * delta * S2, C4f = 2.0 * C2f * C2f - 1.0, C6f = C2f * (2.0 * C4f - 1.0);
+    const double slope = k.R * (1.0 - 2.0 * k.A1 * C2f + 4.0 * k.A2 * C4f - 6.0 * k.A3 * C6f);
+    const double lam = 1.0 - slope * k.invAk0;
+
+    // Passes after the first: from r1 < 0.01·a·k0·e² a few at most. Counted
+    // by comparisons, not a loop, so that no branch depends on the point.
+    const double l1 = std::fabs(lam), l2 = l1 * l1, l3 = l2 * l1, l4 = l2 * l2;
+    const double r1 = std::fabs(slope * e1);
+    const int passes = std::fabs(r0) < 0.001 ? 0
+                                               : 1 + (r1 >= 0.001) + (r1 * l1 >= 0.001) + (r1 * l2 >= 0.001) +
+                                                     (r1 * l3 >= 0.001) + (r1 * l4 >= 0.001);
+    const double lam2 = lam * lam;
+    const double power[7] = {1.0, lam, lam2, lam2 * lam, lam2 * lam2, lam2 * lam2 * lam, lam2 * lam2 * lam2};
+    fp.eps = e1 * power[passes];
+    return true;
 }
 
 } // namespace
@@ -129,77 +253,46 @@ void GeoConv::llh2enz(const CSphd& sphd, const CProj& proj, CV3 llh, CV3& enz)
     enz.x = proj.m_falseEast + IV * P + V * P2 * P + VI * P2 * P2 * P;
 }
 
+// Built twice on x86-64, the second for processors with FMA (chosen when the
+// library loads): fused products shorten the chains and round a little
+// differently, well inside the accuracy stated in the header.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+__attribute__((target_clones("default", "arch=x86-64-v3")))
+#endif
 void GeoConv::enz2llh(const CSphd& sphd, const CProj& proj, CV3 enz, CV3& llh)
 {
-    const double a = sphd.m_semiMajor, e2 = sphd.m_ecc2, k0 = proj.m_scale;
-    const double ak0 = a * k0;
+    const CTmInverse& k = t_tmInverse.For(sphd, proj);
     const double dN = enz.y - proj.m_falseNorth;
-    const CArc arc(sphd, proj);
+    CFootpoint fp;
+    if (!FootpointBySeries(k, dN, fp)) fp = FootpointByPasses(sphd, proj, dN);
+    const double s = fp.s, c = fp.c;
 
-    // Footpoint latitude: φ′ += r/(a·k0) with r = N − N0 − M(φ′), until a
-    // pass whose |r| is under 1 mm; that pass's correction is applied too.
-    // The arc contracts the error by about e² a pass, and from the start the
-    // whole walk stays within some 0.01 rad of it for any point of a grid:
-    // there the arc is taken from its Taylor polynomial of degree 6 about the
-    // start, exact to rounding over such a step (CArc::Taylor), so the passes
-    // cost a few multiplications each and sin and cos are called once. Only
-    // a start further off (a point far outside any grid) takes full passes
-    // until the correction is that small. The pass bound and tests that are
-    // false for NaN make absurd or non-finite input return.
-    constexpr double kTaylorSpan = 0.01;  // rad
-    const double invAk0 = 1.0 / ak0;
-    double phi = dN / ak0 + proj.m_latOrigin;
-    double s = std::sin(phi), c = std::cos(phi);
-    double r = dN - arc(phi, s, c);
-    int pass = 1;
-    for (; std::fabs(r) * invAk0 >= kTaylorSpan && std::fabs(r) >= 0.001 && pass < kMaxPasses; ++pass) {
-        // Not the last pass: its residual is not under 1 mm.
-        const double d = r * invAk0;
-        phi += d;
-        Rotate(d, s, c);
-        r = dN - arc(phi, s, c);
-    }
-    double p[6];
-    arc.Taylor(s, c, p);
-    const double r0 = r;
-    double D = 0.0;  // correction gathered since the expansion latitude
-    for (; pass < kMaxPasses; ++pass) {
-        D += r * invAk0;
-        if (!(std::fabs(r) >= 0.001)) break;
-        // Estrin's arrangement: the passes are serial, so the depth of each
-        // one's arithmetic is what they cost.
-        const double D2 = D * D;
-        const double q = (p[0] + D * p[1]) + D2 * ((p[2] + D * p[3]) + D2 * (p[4] + D * p[5]));
-        r = r0 - D * q;
-    }
-    phi += D;
-    Rotate(D, s, c);
-
-    // The terms VII to XIIA, with 1/ν = √w/(a·k0), ν/ρ = w/(1−e²) and
-    // 1/(ρν) = (ν/ρ)/ν² taken from the radii above so that two divisions
-    // serve them all.
+    // The terms VII to XIIA as polynomials in u = d²/ν², with 1/ν² = w/(a·k0)²
+    // and ν/ρ = w/(1 − e²): only the longitude needs the square root.
+    const double e2 = sphd.m_ecc2;
     const double w = 1.0 - e2 * s * s;
-    const double inu = std::sqrt(w) * invAk0;  // 1/ν
-    const double nuRho = w / (1.0 - e2);      // ν/ρ
+    const double nuRho = w * k.inv1e2;  // ν/ρ
     const double eta2 = nuRho - 1.0;
     const double sec = c == 0.0 ? 1e11 : 1.0 / c;
     const double t = c == 0.0 ? 100000.0 : s * sec;
     const double t2 = t * t, t4 = t2 * t2, t6 = t4 * t2;
-    const double inu2 = inu * inu, inu3 = inu2 * inu, inu5 = inu3 * inu2, inu7 = inu5 * inu2;
-    const double iRhoNu = nuRho * inu2;  // 1/(ρν)
     const double d = enz.x - proj.m_falseEast;
-    const double d2 = d * d, d3 = d2 * d, d4 = d2 * d2, d5 = d4 * d, d6 = d4 * d2, d7 = d6 * d;
+    const double dk = d * k.invAk0;
+    const double u = w * dk * dk;
+    const double VIII = (5.0 + 3.0 * t2 + eta2 - 9.0 * t2 * eta2) * (1.0 / 24.0);
+    const double IX = (61.0 + 90.0 * t2 + 45.0 * t4) * (1.0 / 720.0);
+    const double XI = (nuRho + 2.0 * t2) * (1.0 / 6.0);
+    const double XII = (5.0 + 28.0 * t2 + 24.0 * t4) * (1.0 / 120.0);
+    const double XIIA = (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t6) * (1.0 / 5040.0);
+    const double X = sec * std::sqrt(w) * dk;  // sec·d/ν
+    const double lat = fp.phi - t * nuRho * u * (0.5 - u * (VIII - u * IX));
+    const double lon = proj.m_lonOrigin + X * (1.0 - u * (XI - u * (XII - u * XIIA)));
 
-    const double VII = t * iRhoNu * (1.0 / 2.0);
-    const double VIII = t * iRhoNu * inu2 * (1.0 / 24.0) * (5.0 + 3.0 * t2 + eta2 - 9.0 * t2 * eta2);
-    const double IX = t * iRhoNu * inu2 * inu2 * (1.0 / 720.0) * (61.0 + 90.0 * t2 + 45.0 * t4);
-    const double X = sec * inu;
-    const double XI = sec * inu3 * (1.0 / 6.0) * (nuRho + 2.0 * t2);
-    const double XII = sec * inu5 * (1.0 / 120.0) * (5.0 + 28.0 * t2 + 24.0 * t4);
-    const double XIIA = sec * inu7 * (1.0 / 5040.0) * (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t6);
-
-    llh.y = phi - VII * d2 + VIII * d4 - IX * d6;
-    llh.x = proj.m_lonOrigin + X * d - XI * d3 + XII * d5 - XIIA * d7;
+    // The stop lies eps (under 1e-12 rad) short of fp.phi: first-order moves
+    // along ∂lat/∂φ′ ≈ 1 − (1 + t²)·(ν/ρ)·u/2 and ∂lon/∂φ′ ≈ X·(t − e²·s·c/w),
+    // whose dropped terms are under 1e-3 of them.
+    llh.y = lat - fp.eps * (1.0 - 0.5 * (1.0 + t2) * nuRho * u);
+    llh.x = lon - fp.eps * X * (t - e2 * s * c / w);
 }
 
 void GeoConv::llh2xyz(const CSphd& sphd, CV3 llh, CV3& xyz)

@@ -1,5 +1,5 @@
 #pragma once
-// GeoConv: stateless conversions between geographic coordinates on a
+// GeoConv: conversions between geographic coordinates on a
 // spheroid, Transverse Mercator grid coordinates, earth-centred cartesian
 // coordinates, and two datums by a seven-parameter shift.
 //
@@ -11,9 +11,11 @@
 // Records are used as they stand: a = m_semiMajor, b = m_semiMinor,
 // e² = m_ecc2, none derived from another; φ0, λ0, E0, N0, k0 from the CProj.
 //
-// No function allocates, none keeps state: any thread may call them at once
-// on records that nobody is changing. Non-finite input gives non-finite
-// output and never hangs an iteration.
+// No function allocates. enz2llh keeps, per thread, constants worked out
+// from the last spheroid and projection it was given, checked against the
+// records on every call; nothing else keeps state. Any thread may call them
+// at once on records that nobody is changing. Non-finite input gives
+// non-finite output and never hangs an iteration.
 #include "core/platform/CV3.h"
 
 class CSphd;
@@ -30,14 +32,21 @@ public:
     // degrees. Beyond that the truncated series degrades quickly.
     static void llh2enz(const CSphd& sphd, const CProj& proj, CV3 llh, CV3& enz);
 
-    // Grid to geographic (terms VII-XIIA) from a footpoint latitude found by
-    // iterating the meridian arc until the residual is under 1 mm. Writes
+    // Grid to geographic (terms VII-XIIA) at the footpoint latitude where
+    // the iteration φ′ += r/(a·k0) stops, r the meridian arc's residual: the
+    // first pass whose |r| is under 1 mm, its correction applied. Writes
     // out.x (longitude) and out.y (latitude); out.z is left alone.
+    // Within 6 degrees of the meridian and 85 of the equator the result
+    // agrees with that iteration carried out literally to 2e-15 rad: the stop
+    // is found without passes, from a reversion of the arc series (valid for
+    // spheroids with n = (a−b)/(a+b) under 0.01, every earth spheroid) and
+    // the iteration's known rate. Flatter spheroids and points beyond the
+    // poles take the passes themselves.
     // Against the exact Transverse Mercator: better than 2e-8 degree within 3
     // degrees of the meridian; the round trip with llh2enz closes to better
-    // than 1e-9 rad there. The iteration stops after at most 64 passes, so an
-    // absurd or non-finite grid position returns (with a meaningless or
-    // non-finite result) instead of looping.
+    // than 1e-9 rad there. The passes stop after at most 64, so an absurd or
+    // non-finite grid position returns (with a meaningless or non-finite
+    // result) instead of looping.
     static void enz2llh(const CSphd& sphd, const CProj& proj, CV3 enz, CV3& llh);
 
     // Geographic (height in llh.z, metres above the spheroid) to cartesian.
