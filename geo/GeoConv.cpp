@@ -5,8 +5,9 @@
 #include "geo/CShft.h"
 #include "geo/CSphd.h"
 
+#include <bit>
 #include <cmath>
-#include <limits>
+#include <cstdint>
 
 namespace {
 
@@ -99,20 +100,28 @@ private:
 // of cos 2μ) gives the footpoint without passes; the terms left out are
 // under 1e-17 rad for |n| < 0.01, which holds for every earth spheroid.
 struct CTmInverse {
-    // The record values these were worked out from. NaN never compares
-    // equal, so the first call (and any call with a NaN) works them out.
-    static constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-    double a = kNaN, b = kNaN, e2 = kNaN, k0 = kNaN, phi0 = kNaN;
+    // The bits of the record values these were worked out from, compared as
+    // integers: one test a call. A NaN starts them, so that the first call
+    // works them out.
+    static constexpr std::uint64_t kNaNBits = 0x7FF8000000000001ull;
+    std::uint64_t key[5] = {kNaNBits, kNaNBits, kNaNBits, kNaNBits, kNaNBits};
     bool series = false;  // |n| < 0.01: the reversion holds
-    double invAk0 = 0.0, inv1e2 = 0.0, R = 0.0, invR = 0.0, A1 = 0.0, A2 = 0.0, A3 = 0.0, mu0 = 0.0;
+    double phi0 = 0.0, invAk0 = 0.0, inv1e2 = 0.0, R = 0.0, invR = 0.0, A1 = 0.0, A2 = 0.0, A3 = 0.0, mu0 = 0.0;
     double q[6] = {};
+
+    static void KeyOf(const CSphd& sphd, const CProj& proj, std::uint64_t (&k)[5])
+    {
+        k[0] = std::bit_cast<std::uint64_t>(sphd.m_semiMajor);
+        k[1] = std::bit_cast<std::uint64_t>(sphd.m_semiMinor);
+        k[2] = std::bit_cast<std::uint64_t>(sphd.m_ecc2);
+        k[3] = std::bit_cast<std::uint64_t>(proj.m_scale);
+        k[4] = std::bit_cast<std::uint64_t>(proj.m_latOrigin);
+    }
 
     void Prepare(const CSphd& sphd, const CProj& proj)
     {
-        a = sphd.m_semiMajor;
-        b = sphd.m_semiMinor;
-        e2 = sphd.m_ecc2;
-        k0 = proj.m_scale;
+        KeyOf(sphd, proj, key);
+        const double a = sphd.m_semiMajor, b = sphd.m_semiMinor, e2 = sphd.m_ecc2, k0 = proj.m_scale;
         phi0 = proj.m_latOrigin;
         const double n = (a - b) / (a + b), n2 = n * n, n3 = n2 * n;
         const double c0 = 1.0 + n + 5.0 / 4.0 * n2 + 5.0 / 4.0 * n3;
@@ -136,8 +145,9 @@ struct CTmInverse {
 
     const CTmInverse& For(const CSphd& sphd, const CProj& proj)
     {
-        if (!(a == sphd.m_semiMajor && b == sphd.m_semiMinor && e2 == sphd.m_ecc2 && k0 == proj.m_scale &&
-              phi0 == proj.m_latOrigin))
+        std::uint64_t k[5];
+        KeyOf(sphd, proj, k);
+        if ((k[0] ^ key[0]) | (k[1] ^ key[1]) | (k[2] ^ key[2]) | (k[3] ^ key[3]) | (k[4] ^ key[4]))
             Prepare(sphd, proj);
         return *this;
     }
