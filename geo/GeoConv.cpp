@@ -16,6 +16,20 @@ namespace {
 // whose residual can never fall under the tolerance (huge or non-finite).
 constexpr int kMaxPasses = 64;
 
+// The coefficients of the meridian arc's n-series: n = (a − b)/(a + b) and
+// the factors c0 to c3 of (φ − φ0) and the three sine-cosine products.
+struct CArcSeries {
+    double n, c0, c1, c2, c3;
+    CArcSeries(double a, double b) : n((a - b) / (a + b))
+    {
+        const double n2 = n * n, n3 = n2 * n;
+        c0 = 1.0 + n + 5.0 / 4.0 * n2 + 5.0 / 4.0 * n3;
+        c1 = 3.0 * n + 3.0 * n2 + 21.0 / 8.0 * n3;
+        c2 = 15.0 / 8.0 * n2 + 15.0 / 8.0 * n3;
+        c3 = 35.0 / 24.0 * n3;
+    }
+};
+
 // Meridian arc from the latitude of origin, with the scale folded in: the
 // n-series of the Ordnance Survey formulae. sin(φ−φ0), cos(φ+φ0) and their
 // multiples come from one sin/cos of φ by the angle-sum and multiple-angle
@@ -31,13 +45,12 @@ public:
             m_sin0 = std::sin(m_phi0);
             m_cos0 = std::cos(m_phi0);
         }
-        const double a = sphd.m_semiMajor, b = sphd.m_semiMinor;
-        const double n = (a - b) / (a + b), n2 = n * n, n3 = n2 * n;
-        m_bk0 = b * proj.m_scale;
-        m_c0 = 1.0 + n + 5.0 / 4.0 * n2 + 5.0 / 4.0 * n3;
-        m_c1 = 3.0 * n + 3.0 * n2 + 21.0 / 8.0 * n3;
-        m_c2 = 15.0 / 8.0 * n2 + 15.0 / 8.0 * n3;
-        m_c3 = 35.0 / 24.0 * n3;
+        const CArcSeries arc(sphd.m_semiMajor, sphd.m_semiMinor);
+        m_bk0 = sphd.m_semiMinor * proj.m_scale;
+        m_c0 = arc.c0;
+        m_c1 = arc.c1;
+        m_c2 = arc.c2;
+        m_c3 = arc.c3;
     }
 
     // M(φ), given sin φ and cos φ as well.
@@ -123,13 +136,13 @@ struct CTmInverse {
         KeyOf(sphd, proj, key);
         const double a = sphd.m_semiMajor, b = sphd.m_semiMinor, e2 = sphd.m_ecc2, k0 = proj.m_scale;
         phi0 = proj.m_latOrigin;
-        const double n = (a - b) / (a + b), n2 = n * n, n3 = n2 * n;
-        const double c0 = 1.0 + n + 5.0 / 4.0 * n2 + 5.0 / 4.0 * n3;
-        const double h = 0.5 / c0;
-        A1 = (3.0 * n + 3.0 * n2 + 21.0 / 8.0 * n3) * h;
-        A2 = (15.0 / 8.0 * n2 + 15.0 / 8.0 * n3) * h;
-        A3 = 35.0 / 24.0 * n3 * h;
-        R = b * k0 * c0;
+        const CArcSeries arc(a, b);
+        const double n = arc.n, n2 = n * n, n3 = n2 * n;
+        const double h = 0.5 / arc.c0;
+        A1 = arc.c1 * h;
+        A2 = arc.c2 * h;
+        A3 = arc.c3 * h;
+        R = b * k0 * arc.c0;
         invR = 1.0 / R;
         invAk0 = 1.0 / (a * k0);
         inv1e2 = 1.0 / (1.0 - e2);
