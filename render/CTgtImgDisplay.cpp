@@ -178,33 +178,31 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
         }
     };
 
-    std::vector<BYTE> acc(pl.nW);
     // Depth geometry of each column, for the depth colouring.
-    std::vector<double> sz, dz;
-    zan_dsp::DepthRow dr {};
+    zan_dsp::DepthCols cols;
     zan_dsp::Planes tblPlanes;
     if (depthCol) {
         tblPlanes.Set(pTbl);
         const std::size_t nVec = std::min<std::size_t>({pl.nW, pl.pStart->size(), pl.pEnd->size()});
-        sz.resize(nVec);
-        dz.resize(nVec);
+        cols.sz.resize(nVec);
+        cols.dz.resize(nVec);
         for (std::size_t x = 0; x < nVec; ++x) {
-            sz[x] = (*pl.pStart)[x].z;
-            dz[x] = (*pl.pEnd)[x].z - (*pl.pStart)[x].z;
+            cols.sz[x] = (*pl.pStart)[x].z;
+            cols.dz[x] = (*pl.pEnd)[x].z - (*pl.pStart)[x].z;
         }
-        dr = {sz.data(), dz.data(), nVec, 0.0, depthMin, scale, nc, pTbl, &tblPlanes, identity.data()};
+        cols.Prepare(depthMin, scale, nc);
     }
-    auto colourRow = [&](CRgb* dst, const BYTE* l, unsigned rLast) {
+    auto colourRow = [&](CRgb* dst, const zan_dsp::Fold& f, const BYTE* l, unsigned rLast) {
         if (!depthCol) {
             colourTable(l);
-            zan_dsp::ColourRow(acc.data(), pl.nW, ctab.data(), ctabPlanes, dst);
+            zan_dsp::ColourRow(f, pl.nW, ctab.data(), ctabPlanes, dst);
             return;
         }
-        dr.frac = static_cast<double>(rLast) / pl.nRngs;
-        dr.lut = l;
-        zan_dsp::DepthColourRow(acc.data(), pl.nW, dr, dst);
+        const zan_dsp::DepthRow dr {&cols, static_cast<double>(rLast) / pl.nRngs, pTbl, &tblPlanes, l};
+        zan_dsp::DepthColourRow(f, pl.nW, dr, dst);
     };
 
+    std::vector<BYTE> acc(pl.nW);
     std::vector<LineLut> keys(m);
     unsigned r = 0, row = 0;
     while (r < pl.nLines && row < pl.nH) {
@@ -225,28 +223,37 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
             // and correct the row once.
             if (lutValid) rowLut = lut.data();
         }
-        std::fill(acc.begin(), acc.end(), BYTE(0));
-        for (unsigned j = r; j < rEnd; ++j) {
-            const BYTE* s = pl.pSrc + static_cast<std::size_t>(j) * pl.nW;
-            const LineLut& k = keys[j - r];
-            if (rowLut != identity.data() || k.Identity()) {
-                zan_dsp::MaxRow(acc.data(), s, pl.nW);
-                continue;
+        CRgb* dst = pl.pDsp + static_cast<std::size_t>(row) * pl.nW;
+        const BYTE* first = pl.pSrc + static_cast<std::size_t>(r) * pl.nW;
+        if (same && (rowLut != identity.data() || keys[0].Identity())) {
+            // The row's kernel folds the raw lines itself.
+            colourRow(dst, zan_dsp::Fold {first, pl.nW, rEnd - r}, rowLut, rEnd - 1);
+        } else {
+            // Lines corrected one by one, through their own tables.
+            std::fill(acc.begin(), acc.end(), BYTE(0));
+            for (unsigned j = r; j < rEnd; ++j) {
+                const BYTE* s = pl.pSrc + static_cast<std::size_t>(j) * pl.nW;
+                const LineLut& k = keys[j - r];
+                if (k.Identity()) {
+                    zan_dsp::MaxRow(acc.data(), s, pl.nW);
+                    continue;
+                }
+                if (!lineValid || !(lineKeyCached == k)) {
+                    FillLut(k, ratio, lineLut.data());
+                    lineKeyCached = k;
+                    lineValid = true;
+                }
+                for (unsigned x = 0; x < pl.nW; ++x) acc[x] = std::max(acc[x], lineLut[s[x]]);
             }
-            if (!lineValid || !(lineKeyCached == k)) {
-                FillLut(k, ratio, lineLut.data());
-                lineKeyCached = k;
-                lineValid = true;
-            }
-            for (unsigned x = 0; x < pl.nW; ++x) acc[x] = std::max(acc[x], lineLut[s[x]]);
+            colourRow(dst, zan_dsp::Fold {acc.data(), 0, 1}, identity.data(), rEnd - 1);
         }
-        colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, rowLut, rEnd - 1);
         r = rEnd;
         ++row;
     }
     // Rows that no line reached hold intensity 0.
     std::fill(acc.begin(), acc.end(), BYTE(0));
-    for (; row < pl.nH; ++row) colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, identity.data(), 0);
+    for (; row < pl.nH; ++row)
+        colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, zan_dsp::Fold {acc.data(), 0, 1}, identity.data(), 0);
 }
 
 } // namespace

@@ -1,8 +1,13 @@
 #include "render/DspRow.hpp"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
-#include <cstring>
+#include <cmath>
+#include <cstdint>
+
+// This file is built without fused multiply-add (see CMakeLists.txt): the
+// exact depth index must round as its written order says, at every level.
 
 #if defined(__x86_64__) && defined(__GNUC__)
 #define ZAN_DSP_X86 1
@@ -11,6 +16,7 @@
 // AVX-512 intrinsics for an uninitialised variable.
 #if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
 #endif
 #endif
 
@@ -36,7 +42,48 @@ void Planes::Set(const CRgb* t)
     }
 }
 
+void DepthCols::Prepare(double depthMin, double depthScale, int entries)
+{
+    dMin = depthMin;
+    scale = depthScale;
+    nc = entries;
+    // Beyond this w the estimate's floor would not fit the vector form's
+    // 16-bit lanes; such columns always take the exact form.
+    constexpr double kMaxW = 16383.0;
+    const std::size_t n = sz.size();
+    // A whole number always lies between -2 and 2: never sure.
+    a.assign(n, 0.0f);
+    bLo.assign(n, -2.0f);
+    bHi.assign(n, 2.0f);
+    for (std::size_t x = 0; x < n; ++x) {
+        const double w = (std::fabs(dz[x]) + std::fabs(sz[x]) + std::fabs(dMin)) * std::fabs(scale);
+        if (!(w <= kMaxW)) continue;
+        const double b = (sz[x] - dMin) * scale + 0.5, e = std::ldexp(w + 1.0, -20);
+        a[x] = static_cast<float>(dz[x] * scale);
+        bLo[x] = static_cast<float>(b - e);
+        bHi[x] = static_cast<float>(b + e);
+    }
+}
+
 namespace {
+
+// The exact index of column x; kept out of line so that it is always built
+// for the plain processor, whatever the caller's target.
+[[gnu::noinline]] BYTE ExactIndex(const DepthCols& c, double frac, std::size_t x)
+{
+    return DepthIndexByte(c.dz[x] * frac + c.sz[x], c.dMin, c.scale, c.nc);
+}
+
+inline BYTE FoldedAt(const Fold& f, std::size_t x)
+{
+    BYTE v = f.first[x];
+    const BYTE* p = f.first + x;
+    for (unsigned j = 1; j < f.m; ++j) {
+        p += f.stride;
+        v = std::max(v, *p);
+    }
+    return v;
+}
 
 void MaxRowPlain(BYTE* __restrict acc, const BYTE* __restrict s, std::size_t n)
 {
@@ -52,9 +99,9 @@ void MaxRowPlain(BYTE* __restrict acc, const BYTE* __restrict s, std::size_t n)
     for (; x < n; ++x) acc[x] = std::max(acc[x], s[x]);
 }
 
-void ColourRowPlain(const BYTE* a, std::size_t n, const CRgb* ctab, CRgb* out)
+void ColourRowPlain(const Fold& f, std::size_t from, std::size_t n, const CRgb* ctab, CRgb* out)
 {
-    for (std::size_t x = 0; x < n; ++x) out[x] = ctab[a[x]];
+    for (std::size_t x = from; x < n; ++x) out[x] = ctab[FoldedAt(f, x)];
 }
 
 inline CRgb DepthPixel(unsigned i, BYTE b1, const CRgb* tbl)
@@ -66,26 +113,31 @@ inline CRgb DepthPixel(unsigned i, BYTE b1, const CRgb* tbl)
                 static_cast<BYTE>((c.b * k) >> 8), tbl[i].a);
 }
 
-void DepthColourRowPlain(const BYTE* acc, std::size_t from, std::size_t n, const DepthRow& d, CRgb* out)
+void DepthColourRowPlain(const Fold& f, std::size_t from, std::size_t n, const DepthRow& d, CRgb* out)
 {
+    const std::size_t nVec = d.cols->Size();
     for (std::size_t x = from; x < n; ++x) {
-        const unsigned i = d.lut[acc[x]];
-        BYTE b1 = 0;
-        if (i > 8 && x < d.nVec) b1 = DepthIndexByte(d.dz[x] * d.frac + d.sz[x], d.dMin, d.scale, d.nc);
+        const unsigned i = d.lut[FoldedAt(f, x)];
+        const BYTE b1 = i > 8 && x < nVec ? ExactIndex(*d.cols, d.frac, x) : 0;
         out[x] = DepthPixel(i, b1, d.tbl);
     }
 }
 
 #ifdef ZAN_DSP_X86
 
-// The depth arithmetic must round exactly as the plain form does, so no
-// multiply and add may be fused here (clang takes a pragma for that).
-#if defined(__clang__)
-#pragma clang fp contract(off)
 #define ZAN_VBMI __attribute__((target("avx512f,avx512bw,avx512dq,avx512vbmi")))
-#else
-#define ZAN_VBMI __attribute__((target("avx512f,avx512bw,avx512dq,avx512vbmi"), optimize("fp-contract=off")))
-#endif
+
+// The order in which a block of 64 pixels is worked: byte 16 L + 4 j + m of a
+// vector holds pixel 16 j + 4 L + m. The byte and word unpacks that interleave
+// four channel planes into pixels then leave them in storage order, and the
+// packs that narrow four vectors of 16 columns' indices give this order too.
+constexpr std::array<BYTE, 64> WorkOrder()
+{
+    std::array<BYTE, 64> o {};
+    for (int p = 0; p < 64; ++p) o[static_cast<std::size_t>(p)] = static_cast<BYTE>(16 * ((p >> 2) & 3) + 4 * (p >> 4) + (p & 3));
+    return o;
+}
+alignas(64) constexpr std::array<BYTE, 64> kWorkOrder = WorkOrder();
 
 // A 256-entry byte table in four registers.
 struct Tbl256 {
@@ -98,36 +150,35 @@ ZAN_VBMI inline Tbl256 LoadTbl(const BYTE* t)
             _mm512_loadu_si512(t + 192)};
 }
 
-// t[idx] for 64 bytes at once: two 128-entry permutes, picked by bit 7.
-ZAN_VBMI inline __m512i Lookup(__m512i idx, const Tbl256& t)
+// t[idx] for 64 bytes at once: two 128-entry permutes, picked by bit 7;
+// bytes outside `keep` come out 0.
+ZAN_VBMI inline __m512i Lookup(__m512i idx, const Tbl256& t, __mmask64 keep = ~__mmask64 {0})
 {
-    const __m512i lo = _mm512_permutex2var_epi8(t.t0, idx, t.t1);
-    const __m512i hi = _mm512_permutex2var_epi8(t.t2, idx, t.t3);
-    return _mm512_mask_blend_epi8(_mm512_movepi8_mask(idx), lo, hi);
+    const __mmask64 hi = _mm512_movepi8_mask(idx);
+    const __m512i lo = _mm512_maskz_permutex2var_epi8(keep & ~hi, t.t0, idx, t.t1);
+    return _mm512_or_si512(lo, _mm512_maskz_permutex2var_epi8(keep & hi, t.t2, idx, t.t3));
 }
 
-// Four planes of 64 bytes into 64 RGBA pixels.
-ZAN_VBMI inline void StoreRgba(CRgb* out, __m512i r, __m512i g, __m512i b, __m512i a)
+// The greatest of the folded lines' bytes for the 64 columns from x, in work order.
+ZAN_VBMI inline __m512i FoldedBlock(const Fold& f, std::size_t x, __m512i order)
 {
-    const __m512i rgLo = _mm512_unpacklo_epi8(r, g), rgHi = _mm512_unpackhi_epi8(r, g);
-    const __m512i baLo = _mm512_unpacklo_epi8(b, a), baHi = _mm512_unpackhi_epi8(b, a);
-    // Each 128-bit lane L of q0..q3 holds pixels 16L + 0..3, 4..7, 8..11, 12..15.
-    const __m512i q0 = _mm512_unpacklo_epi16(rgLo, baLo), q1 = _mm512_unpackhi_epi16(rgLo, baLo);
-    const __m512i q2 = _mm512_unpacklo_epi16(rgHi, baHi), q3 = _mm512_unpackhi_epi16(rgHi, baHi);
-    // A 4 x 4 transpose of 128-bit lanes by quadword permutes (lane L of the
-    // first source is quadwords 2L and 2L + 1, of the second 8 + 2L and 9 + 2L).
-    const __m512i mixLo = _mm512_set_epi64(11, 10, 3, 2, 9, 8, 1, 0);    // a.l0 b.l0 a.l1 b.l1
-    const __m512i mixHi = _mm512_set_epi64(15, 14, 7, 6, 13, 12, 5, 4);  // a.l2 b.l2 a.l3 b.l3
-    const __m512i catLo = _mm512_set_epi64(11, 10, 9, 8, 3, 2, 1, 0);    // a.l0 a.l1 b.l0 b.l1
-    const __m512i catHi = _mm512_set_epi64(15, 14, 13, 12, 7, 6, 5, 4);  // a.l2 a.l3 b.l2 b.l3
-    const __m512i u0 = _mm512_permutex2var_epi64(q0, mixLo, q1);  // q0.l0 q1.l0 q0.l1 q1.l1
-    const __m512i u1 = _mm512_permutex2var_epi64(q2, mixLo, q3);  // q2.l0 q3.l0 q2.l1 q3.l1
-    const __m512i u2 = _mm512_permutex2var_epi64(q0, mixHi, q1);  // q0.l2 q1.l2 q0.l3 q1.l3
-    const __m512i u3 = _mm512_permutex2var_epi64(q2, mixHi, q3);  // q2.l2 q3.l2 q2.l3 q3.l3
-    _mm512_storeu_si512(out, _mm512_permutex2var_epi64(u0, catLo, u1));       // pixels 0..15
-    _mm512_storeu_si512(out + 16, _mm512_permutex2var_epi64(u0, catHi, u1));  // 16..31
-    _mm512_storeu_si512(out + 32, _mm512_permutex2var_epi64(u2, catLo, u3));  // 32..47
-    _mm512_storeu_si512(out + 48, _mm512_permutex2var_epi64(u2, catHi, u3));  // 48..63
+    const BYTE* p = f.first + x;
+    __m512i v = _mm512_loadu_si512(p);
+    for (unsigned j = 1; j < f.m; ++j) {
+        p += f.stride;
+        v = _mm512_max_epu8(v, _mm512_loadu_si512(p));
+    }
+    return _mm512_permutexvar_epi8(order, v);
+}
+
+// Pixels from channel words in work order: rg holds red in its low bytes and
+// green in its high, ba blue and alpha; Lo and Hi as the byte unpacks give them.
+ZAN_VBMI inline void StoreWords(CRgb* out, __m512i rgLo, __m512i rgHi, __m512i baLo, __m512i baHi)
+{
+    _mm512_storeu_si512(out, _mm512_unpacklo_epi16(rgLo, baLo));
+    _mm512_storeu_si512(out + 16, _mm512_unpackhi_epi16(rgLo, baLo));
+    _mm512_storeu_si512(out + 32, _mm512_unpacklo_epi16(rgHi, baHi));
+    _mm512_storeu_si512(out + 48, _mm512_unpackhi_epi16(rgHi, baHi));
 }
 
 ZAN_VBMI void MaxRowVbmi(BYTE* __restrict acc, const BYTE* __restrict s, std::size_t n)
@@ -138,80 +189,136 @@ ZAN_VBMI void MaxRowVbmi(BYTE* __restrict acc, const BYTE* __restrict s, std::si
     MaxRowPlain(acc + x, s + x, n - x);
 }
 
-ZAN_VBMI void ColourRowVbmi(const BYTE* a, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out)
+ZAN_VBMI void ColourRowVbmi(const Fold& f, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out)
 {
     const Tbl256 tr = LoadTbl(p.r), tg = LoadTbl(p.g), tb = LoadTbl(p.b), ta = LoadTbl(p.a);
+    const __m512i order = _mm512_load_si512(kWorkOrder.data());
     std::size_t x = 0;
     for (; x + 64 <= n; x += 64) {
-        const __m512i idx = _mm512_loadu_si512(a + x);
-        StoreRgba(out + x, Lookup(idx, tr), Lookup(idx, tg), Lookup(idx, tb), Lookup(idx, ta));
+        const __m512i v = FoldedBlock(f, x, order);
+        const __m512i r = Lookup(v, tr), g = Lookup(v, tg), b = Lookup(v, tb), a = Lookup(v, ta);
+        StoreWords(out + x, _mm512_unpacklo_epi8(r, g), _mm512_unpackhi_epi8(r, g), _mm512_unpacklo_epi8(b, a),
+                   _mm512_unpackhi_epi8(b, a));
     }
-    ColourRowPlain(a + x, n - x, ctab, out + x);
+    ColourRowPlain(f, x, n, ctab, out);
 }
 
-// (c * k) >> 8 for 64 bytes, k a byte too.
-ZAN_VBMI inline __m512i MulHi8(__m512i c, __m512i k)
+// Both bytes of each word times k, >> 8; k8 holds k (0 to 255) in the high
+// byte of each word. The low byte's product lands in the low byte of a high
+// multiply; the high byte's whole product fits 16 bits, its >> 8 in the high byte.
+ZAN_VBMI inline __m512i ScaleBoth(__m512i w, __m512i k8)
 {
-    const __m512i z = _mm512_setzero_si512();
-    const __m512i lo = _mm512_srli_epi16(_mm512_mullo_epi16(_mm512_unpacklo_epi8(c, z), _mm512_unpacklo_epi8(k, z)), 8);
-    const __m512i hi = _mm512_srli_epi16(_mm512_mullo_epi16(_mm512_unpackhi_epi8(c, z), _mm512_unpackhi_epi8(k, z)), 8);
-    return _mm512_packus_epi16(lo, hi);
+    const __m512i hiMask = _mm512_set1_epi16(static_cast<short>(0xFF00));
+    const __m512i lo = _mm512_mulhi_epu16(_mm512_andnot_si512(hiMask, w), k8);
+    const __m512i hi = _mm512_mulhi_epu16(_mm512_and_si512(hiMask, w), k8);
+    return _mm512_ternarylogic_epi32(lo, hi, hiMask, 0xF8);  // lo | (hi & hiMask)
 }
 
-// The depth index bytes b1 of columns [x0, x0 + 64 m) into idx: the same
-// operations, in the same order, as the plain form (no fused multiply-add).
-// Kept apart from the colouring so that neither runs short of registers.
-ZAN_VBMI void DepthIndexBlocks(const DepthRow& d, std::size_t x0, std::size_t m, BYTE* idx)
+// The low byte of each word times k, >> 8; the high byte kept.
+ZAN_VBMI inline __m512i ScaleLow(__m512i w, __m512i k8)
 {
-    const __m512d frac = _mm512_set1_pd(d.frac), dMin = _mm512_set1_pd(d.dMin), scale = _mm512_set1_pd(d.scale);
-    const __m512d half = _mm512_set1_pd(0.5), ncD = _mm512_set1_pd(static_cast<double>(d.nc));
-    const __m512i lastI = _mm512_set1_epi32(d.nc - 1);
-    for (std::size_t j = 0; j < 4 * m; ++j) {
-        __m256i q[2];
-        for (int h = 0; h < 2; ++h) {
-            const std::size_t c = x0 + 16 * j + 8 * h;
-            const __m512d depth = _mm512_add_pd(_mm512_mul_pd(_mm512_loadu_pd(d.dz + c), frac), _mm512_loadu_pd(d.sz + c));
-            const __m512d t = _mm512_add_pd(_mm512_mul_pd(_mm512_sub_pd(depth, dMin), scale), half);
-            // Held at nc from above (a NaN stays: min gives its second
-            // operand then); the floor of a NaN or of anything below the
-            // 32-bit integers converts to 0x80000000, whose low byte is 0.
-            q[h] = _mm512_cvt_roundpd_epi32(_mm512_min_pd(ncD, t), _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
-        }
-        const __m512i q16 = _mm512_inserti64x4(_mm512_castsi256_si512(q[0]), q[1], 1);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(idx + 16 * j), _mm512_cvtepi32_epi8(_mm512_min_epi32(q16, lastI)));
+    const __m512i hiMask = _mm512_set1_epi16(static_cast<short>(0xFF00));
+    const __m512i lo = _mm512_mulhi_epu16(_mm512_andnot_si512(hiMask, w), k8);
+    return _mm512_ternarylogic_epi32(lo, w, hiMask, 0xF8);  // lo | (w & hiMask)
+}
+
+// The estimated floor of 16 columns' t, and which are sure.
+struct Estimate {
+    __m512i q;
+    __mmask16 sure;
+};
+ZAN_VBMI [[gnu::always_inline]] inline Estimate Estimate16(const float* a, const float* bLo, const float* bHi, __m512 frac32)
+{
+    const __m512 ta = _mm512_loadu_ps(a);
+    const __m512i lo = _mm512_cvt_roundps_epi32(_mm512_fmadd_ps(ta, frac32, _mm512_loadu_ps(bLo)),
+                                                _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
+    const __m512i hi = _mm512_cvt_roundps_epi32(_mm512_fmadd_ps(ta, frac32, _mm512_loadu_ps(bHi)),
+                                                _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
+    return {hi, _mm512_cmpeq_epi32_mask(lo, hi)};
+}
+
+// The exact index bytes of the columns x + c for the bits c of `unsure`,
+// put into the block's bytes (in work order). Rare: about twice e of the
+// columns.
+[[gnu::noinline]] void ExactBlock(const DepthCols& c, double frac, std::size_t x, std::uint64_t unsure, BYTE* block)
+{
+    for (; unsure; unsure &= unsure - 1) {
+        const unsigned col = static_cast<unsigned>(__builtin_ctzll(unsure));
+        const unsigned j = col >> 4, e = col & 15;
+        block[16 * (e >> 2) + 4 * j + (e & 3)] = ExactIndex(c, frac, x + col);
     }
 }
 
-ZAN_VBMI void DepthColourRowVbmi(const BYTE* acc, std::size_t n, const DepthRow& d, CRgb* out)
+// The low bytes of the words of two vectors packed by signed saturation
+// from 32-bit lanes, in the order an unsigned pack of the words would give:
+// byte 16 L + k of lane L is word k of lane L of the first (k < 8), or word
+// k - 8 of the second.
+constexpr std::array<BYTE, 64> LowBytesOfPacks()
 {
+    std::array<BYTE, 64> o {};
+    for (int p = 0; p < 64; ++p) {
+        const int lane = p >> 4, k = p & 15;
+        o[static_cast<std::size_t>(p)] = static_cast<BYTE>(k < 8 ? 16 * lane + 2 * k : 64 + 16 * lane + 2 * (k - 8));
+    }
+    return o;
+}
+alignas(64) constexpr std::array<BYTE, 64> kLowBytesOfPacks = LowBytesOfPacks();
+
+// The depth index bytes of the 64 columns from x, in work order: the
+// single-precision estimates, and the exact form where they are not sure.
+ZAN_VBMI [[gnu::always_inline]] inline __m512i DepthBlock(const DepthCols& c, const float* a, const float* bLo, const float* bHi,
+                                                          double frac, __m512 frac32, __m512i lastW, __m512i lowBytes,
+                                                          std::size_t x)
+{
+    const Estimate q0 = Estimate16(a + x, bLo + x, bHi + x, frac32);
+    const Estimate q1 = Estimate16(a + x + 16, bLo + x + 16, bHi + x + 16, frac32);
+    const Estimate q2 = Estimate16(a + x + 32, bLo + x + 32, bHi + x + 32, frac32);
+    const Estimate q3 = Estimate16(a + x + 48, bLo + x + 48, bHi + x + 48, frac32);
+    // The estimated floors lie within +-16385: 16-bit words hold them, and
+    // the low byte of a word is that of the 32-bit integer.
+    const __m512i w01 = _mm512_min_epi16(_mm512_packs_epi32(q0.q, q1.q), lastW);
+    const __m512i w23 = _mm512_min_epi16(_mm512_packs_epi32(q2.q, q3.q), lastW);
+    const __m512i idx = _mm512_permutex2var_epi8(w01, lowBytes, w23);
+    const std::uint64_t sure = static_cast<std::uint64_t>(q0.sure) | static_cast<std::uint64_t>(q1.sure) << 16 |
+                               static_cast<std::uint64_t>(q2.sure) << 32 | static_cast<std::uint64_t>(q3.sure) << 48;
+    if (__builtin_expect(sure == ~std::uint64_t {0}, 1)) return idx;
+    alignas(64) BYTE block[64];
+    _mm512_store_si512(block, idx);
+    ExactBlock(c, frac, x, ~sure, block);
+    return _mm512_load_si512(block);
+}
+
+ZAN_VBMI void DepthColourRowVbmi(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out)
+{
+    const DepthCols& c = *d.cols;
     const Planes& p = *d.tblPlanes;
     const Tbl256 tr = LoadTbl(p.r), tg = LoadTbl(p.g), tb = LoadTbl(p.b), ta = LoadTbl(p.a), tl = LoadTbl(d.lut);
-    const __m512i eight = _mm512_set1_epi8(8), k126 = _mm512_set1_epi8(126);
-    const std::size_t nVec = std::min(n, d.nVec);
-    const __m512i zero = _mm512_setzero_si512();
-    constexpr std::size_t kChunk = 16;  // blocks of 64 columns whose indices are worked out together
-    alignas(64) BYTE idxBuf[64 * kChunk];
+    const __m512i order = _mm512_load_si512(kWorkOrder.data());
+    const __m512i eight = _mm512_set1_epi8(8), k126 = _mm512_set1_epi8(126), zero = _mm512_setzero_si512();
+    const double frac = d.frac;
+    const float *ea = c.a.data(), *ebLo = c.bLo.data(), *ebHi = c.bHi.data();
+    const __m512i lowBytes = _mm512_load_si512(kLowBytesOfPacks.data());
+    const __m512 frac32 = _mm512_set1_ps(static_cast<float>(frac));
+    const __m512i lastW = _mm512_set1_epi16(static_cast<short>(std::min(c.nc - 1, 32767)));
+    // The estimates' bounds hold for frac from 0 to 1.
+    const std::size_t nVec = frac >= 0.0 && frac <= 1.0 ? std::min(n, c.Size()) : 0;
     std::size_t x = 0;
-    while (x + 64 <= nVec) {
-        const std::size_t m = std::min(kChunk, (nVec - x) / 64);
-        DepthIndexBlocks(d, x, m, idxBuf);
-        for (std::size_t blk = 0; blk < m; ++blk, x += 64) {
-            const __m512i i = Lookup(_mm512_loadu_si512(acc + x), tl);
-            const __mmask64 lit = _mm512_cmpgt_epu8_mask(i, eight);
-            if (!lit) {  // nothing above 8: four clear blocks
-                for (int j = 0; j < 4; ++j) _mm512_storeu_si512(out + x + 16 * j, zero);
-                continue;
-            }
-            const __m512i idx = _mm512_load_si512(idxBuf + 64 * blk);
-            const __m512i k = _mm512_adds_epu8(i, k126);  // min(i + 126, 255)
-            const __m512i r = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tr), k));
-            const __m512i g = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tg), k));
-            const __m512i b = _mm512_maskz_mov_epi8(lit, MulHi8(Lookup(idx, tb), k));
-            const __m512i a = _mm512_maskz_mov_epi8(lit, Lookup(i, ta));
-            StoreRgba(out + x, r, g, b, a);
+    for (; x + 64 <= nVec; x += 64) {
+        const __m512i i = Lookup(FoldedBlock(f, x, order), tl);
+        const __mmask64 lit = _mm512_cmpgt_epu8_mask(i, eight);
+        if (!lit) {
+            for (int j = 0; j < 4; ++j) _mm512_storeu_si512(out + x + 16 * j, zero);
+            continue;
         }
+        const __m512i idx = DepthBlock(c, ea, ebLo, ebHi, frac, frac32, lastW, lowBytes, x);
+        const __m512i k = _mm512_adds_epu8(i, k126);  // min(i + 126, 255)
+        const __m512i r = Lookup(idx, tr, lit), g = Lookup(idx, tg, lit), b = Lookup(idx, tb, lit);
+        const __m512i a = Lookup(i, ta, lit);
+        const __m512i kLo = _mm512_unpacklo_epi8(zero, k), kHi = _mm512_unpackhi_epi8(zero, k);
+        StoreWords(out + x, ScaleBoth(_mm512_unpacklo_epi8(r, g), kLo), ScaleBoth(_mm512_unpackhi_epi8(r, g), kHi),
+                   ScaleLow(_mm512_unpacklo_epi8(b, a), kLo), ScaleLow(_mm512_unpackhi_epi8(b, a), kHi));
     }
-    DepthColourRowPlain(acc, x, n, d, out);
+    DepthColourRowPlain(f, x, n, d, out);
 }
 
 int Detect()
@@ -251,21 +358,21 @@ void MaxRow(BYTE* acc, const BYTE* s, std::size_t n)
     MaxRowPlain(acc, s, n);
 }
 
-void ColourRow(const BYTE* a, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out)
+void ColourRow(const Fold& f, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out)
 {
 #ifdef ZAN_DSP_X86
-    if (Current() == kAvx512Vbmi) return ColourRowVbmi(a, n, ctab, p, out);
+    if (Current() == kAvx512Vbmi) return ColourRowVbmi(f, n, ctab, p, out);
 #endif
     (void)p;
-    ColourRowPlain(a, n, ctab, out);
+    ColourRowPlain(f, 0, n, ctab, out);
 }
 
-void DepthColourRow(const BYTE* acc, std::size_t n, const DepthRow& d, CRgb* out)
+void DepthColourRow(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out)
 {
 #ifdef ZAN_DSP_X86
-    if (Current() == kAvx512Vbmi) return DepthColourRowVbmi(acc, n, d, out);
+    if (Current() == kAvx512Vbmi) return DepthColourRowVbmi(f, n, d, out);
 #endif
-    DepthColourRowPlain(acc, 0, n, d, out);
+    DepthColourRowPlain(f, 0, n, d, out);
 }
 
 } // namespace zan_dsp

@@ -7,6 +7,7 @@
 #include "core/platform/Types.h"
 
 #include <cstddef>
+#include <vector>
 
 namespace zan_dsp {
 
@@ -24,33 +25,62 @@ struct Planes {
     void Set(const CRgb* t);
 };
 
+// The range lines that fold onto one display row: m >= 1 lines of the row's
+// width, `stride` bytes apart (0 for one buffer read once). The row's
+// intensity at column x is the greatest of the lines' bytes there.
+struct Fold {
+    const BYTE* first;
+    std::size_t stride;
+    unsigned m;
+};
+
 // acc[x] = max(acc[x], s[x]) for x < n.
 void MaxRow(BYTE* acc, const BYTE* s, std::size_t n);
 
-// out[x] = ctab[a[x]] for x < n; p holds ctab's planes.
-void ColourRow(const BYTE* a, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out);
+// out[x] = ctab[v] for x < n, v the folded intensity of column x; p holds
+// ctab's planes.
+void ColourRow(const Fold& f, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out);
 
-// Depth colouring of one row. For x < n with i = lut[acc[x]]:
+// The depth geometry of an image's columns for one build.
+//
+// The exact index of a column (DepthIndexByte of dz * frac + sz) costs seven
+// double operations. The vector form first takes two single-precision
+// estimates, a * frac + b -+ e, one e either side of t: e is 2^-20 of w + 1,
+// w = (|dz| + |sz| + |dMin|) * |scale|, and the estimates' own error, with the
+// exact form's rounding, stays below 2^-21.9 of w + 1. Where both estimates
+// have the same floor, t has it too. Elsewhere, about 2e of the time, and for
+// any column whose w is not below 2^14 (or isn't a number), the exact form
+// decides.
+struct DepthCols {
+    std::vector<double> sz;  // start depth of each column
+    std::vector<double> dz;  // end depth minus start depth
+    std::vector<float> a, bLo, bHi;  // the estimates t ~ a * frac + bLo and + bHi
+    double dMin = 0.0;
+    double scale = 1.0;      // nc / span
+    int nc = 256;            // table entries, at least 256
+
+    // Sets the span and works out the estimates; sz and dz are filled first.
+    void Prepare(double depthMin, double depthScale, int entries);
+    std::size_t Size() const { return sz.size(); }
+};
+
+// Depth colouring of one row. For x < n with i = lut[v], v the folded
+// intensity of column x:
 //   i <= 8: all four bytes 0;
 //   else: c = tbl[b1], b1 the low 8 bits of idx = floor((dz[x] * frac + sz[x]
 //   - dMin) * scale + 0.5), idx held at nc - 1 from above (a floor that isn't
 //   a number or lies below -2^31, beyond a 32-bit integer, gives b1 = 0), and
 //   the pixel is
 //   (c.r * k >> 8, c.g * k >> 8, c.b * k >> 8, tbl[i].a), k = min(i + 126, 255).
-// Columns from nVec on have no depth: b1 = 0.
+// Columns from cols->Size() on have no depth: b1 = 0.
 struct DepthRow {
-    const double* sz;   // start depth of each column
-    const double* dz;   // end depth minus start depth of each column
-    std::size_t nVec;   // columns that have both
-    double frac;        // line / lines of the image
-    double dMin;
-    double scale;       // nc / span
-    int nc;             // table entries, at least 256
+    const DepthCols* cols;
+    double frac;              // line / lines of the image, 0 to 1
     const CRgb* tbl;
     const Planes* tblPlanes;  // tbl's first 256 entries as planes
-    const BYTE* lut;    // 256 entries: intensity as collected -> intensity
+    const BYTE* lut;          // 256 entries: intensity as collected -> intensity
 };
-void DepthColourRow(const BYTE* acc, std::size_t n, const DepthRow& d, CRgb* out);
+void DepthColourRow(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out);
 
 // The byte b1 of one column (as DepthColourRow).
 BYTE DepthIndexByte(double depth, double dMin, double scale, int nc);

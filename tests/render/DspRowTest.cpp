@@ -57,36 +57,45 @@ TEST(DspRow, EveryLevelGivesThePlainBytes)
     for (int iter = 0; iter < 200; ++iter) {
         const std::size_t n = iter < 8 ? static_cast<std::size_t>(iter * 31 % 200) : rng() % 1100;
         const std::size_t nVec = rng() % 3 ? n : rng() % (n + 1);
-        std::vector<BYTE> acc(n), s(n);
-        for (auto& v : acc) v = static_cast<BYTE>(rng() % 4 ? rng() % 40 : rng());
+        // One to three folded lines, some rows apart.
+        const unsigned m = 1 + rng() % 3;
+        const std::size_t stride = n + rng() % 70;
+        std::vector<BYTE> lines(stride * (m - 1) + n + 1), s(n);
+        for (auto& v : lines) v = static_cast<BYTE>(rng() % 4 ? rng() % 40 : rng());
         for (auto& v : s) v = static_cast<BYTE>(rng());
-        std::vector<double> sz(nVec), dz(nVec);
+        const zan_dsp::Fold fold {lines.data(), stride, m};
+        std::vector<BYTE> acc(n);
+        for (std::size_t x = 0; x < n; ++x)
+            for (unsigned j = 0; j < m; ++j) acc[x] = std::max(acc[x], lines[j * stride + x]);
+
+        zan_dsp::DepthCols cols;
+        cols.sz.resize(nVec);
+        cols.dz.resize(nVec);
         for (std::size_t x = 0; x < nVec; ++x) {
-            sz[x] = rng() % 16 ? static_cast<double>(static_cast<int>(rng() % 20000) - 5000) / 97.0 : specials[rng() % 11];
-            dz[x] = rng() % 16 ? static_cast<double>(static_cast<int>(rng() % 20000) - 5000) / 89.0 : specials[rng() % 11];
+            cols.sz[x] = rng() % 16 ? static_cast<double>(static_cast<int>(rng() % 20000) - 5000) / 97.0 : specials[rng() % 11];
+            cols.dz[x] = rng() % 16 ? static_cast<double>(static_cast<int>(rng() % 20000) - 5000) / 89.0 : specials[rng() % 11];
         }
         const CColTbl tbl = RandomTable(rng, rng() % 2 ? 256 : 300);
+        cols.Prepare(static_cast<double>(static_cast<int>(rng() % 100) - 20),
+                     rng() % 8 ? (rng() % 5000) / 100.0 - 5.0 : specials[rng() % 11], tbl.GetSize());
         zan_dsp::Planes planes;
         planes.Set(tbl.Data());
         BYTE lut[256];
         for (int v = 0; v < 256; ++v) lut[v] = static_cast<BYTE>(rng() % 2 ? v : rng());
-        zan_dsp::DepthRow d {sz.data(), dz.data(), nVec, (rng() % 1000) / 999.0,
-                             static_cast<double>(static_cast<int>(rng() % 100) - 20),
-                             rng() % 8 ? (rng() % 5000) / 100.0 - 5.0 : specials[rng() % 11],
-                             tbl.GetSize(), tbl.Data(), &planes, lut};
+        const zan_dsp::DepthRow d {&cols, (rng() % 1000) / 999.0, tbl.Data(), &planes, lut};
 
         std::vector<std::vector<CRgb>> colour, depth;
         std::vector<std::vector<BYTE>> maxed;
         AtEachLevel([&](int) {
             std::vector<CRgb> out(n + 1, CRgb(1, 2, 3, 4));
-            zan_dsp::ColourRow(acc.data(), n, tbl.Data(), planes, out.data());
+            zan_dsp::ColourRow(fold, n, tbl.Data(), planes, out.data());
             colour.push_back(out);
             std::vector<CRgb> dout(n + 1, CRgb(1, 2, 3, 4));
-            zan_dsp::DepthColourRow(acc.data(), n, d, dout.data());
+            zan_dsp::DepthColourRow(fold, n, d, dout.data());
             depth.push_back(dout);
-            std::vector<BYTE> m = acc;
-            zan_dsp::MaxRow(m.data(), s.data(), n);
-            maxed.push_back(m);
+            std::vector<BYTE> mx = acc;
+            zan_dsp::MaxRow(mx.data(), s.data(), n);
+            maxed.push_back(mx);
         });
         for (std::size_t l = 1; l < colour.size(); ++l) {
             ASSERT_EQ(colour[l], colour[0]) << "iteration " << iter << " level " << l;
@@ -100,7 +109,7 @@ TEST(DspRow, EveryLevelGivesThePlainBytes)
             const unsigned i = lut[acc[x]];
             CRgb want(0, 0, 0, 0);
             if (i > 8) {
-                const BYTE b1 = x < nVec ? zan_dsp::DepthIndexByte(dz[x] * d.frac + sz[x], d.dMin, d.scale, d.nc) : 0;
+                const BYTE b1 = x < nVec ? zan_dsp::DepthIndexByte(cols.dz[x] * d.frac + cols.sz[x], cols.dMin, cols.scale, cols.nc) : 0;
                 const unsigned k = std::min(i + 126, 255u);
                 const CRgb c = tbl[b1];
                 want = CRgb(static_cast<BYTE>(c.r * k / 256), static_cast<BYTE>(c.g * k / 256),
@@ -111,6 +120,60 @@ TEST(DspRow, EveryLevelGivesThePlainBytes)
         ASSERT_EQ(colour[0][n], CRgb(1, 2, 3, 4));  // nothing written past the row
         ASSERT_EQ(depth[0][n], CRgb(1, 2, 3, 4));
     }
+}
+
+// The vector form estimates the index in single precision and must fall back
+// to the exact form wherever the estimate could round across a whole number:
+// depths that put t exactly on, or a few units in the last place either side
+// of, a whole number, at spans small and large.
+TEST(DspRow, DepthIndicesAtWholeNumbersAreExactAtEveryLevel)
+{
+    std::mt19937 rng(31);
+    const CColTbl tbl = RandomTable(rng);
+    zan_dsp::Planes planes;
+    planes.Set(tbl.Data());
+    BYTE lut[256];
+    for (int v = 0; v < 256; ++v) lut[v] = static_cast<BYTE>(v);
+    constexpr std::size_t n = 64 * 24;
+    const std::vector<BYTE> bright(n, 200);
+    const zan_dsp::Fold fold {bright.data(), 0, 1};
+    struct Span {
+        double dMin, dMax;
+    };
+    const Span spans[] = {{0.0, 30.0}, {-5.0, 12.5}, {100.0, 101.0}, {0.0, 3000.0}, {-1e-3, 1e-3}};
+    const double fracs[] = {0.0, 1.0 / 3.0, 0.5, 1999.0 / 2000.0, 1.0};
+    std::size_t checked = 0;
+    for (const Span& sp : spans) {
+        const double scale = 256.0 / (sp.dMax - sp.dMin);
+        for (const double frac : fracs) {
+            zan_dsp::DepthCols cols;
+            cols.sz.resize(n);
+            cols.dz.resize(n);
+            for (std::size_t x = 0; x < n; ++x) {
+                // The depth at which t is the whole number k, moved by a few ulps.
+                const double dz = (static_cast<int>(rng() % 2001) - 1000) / 100.0 / scale;
+                const int k = static_cast<int>(rng() % 300) - 20;
+                double sz = (k - 0.5) / scale + sp.dMin - dz * frac;
+                for (int u = static_cast<int>(rng() % 9) - 4; u != 0; u += u > 0 ? -1 : 1)
+                    sz = std::nextafter(sz, u > 0 ? 1e300 : -1e300);
+                cols.sz[x] = sz;
+                cols.dz[x] = dz;
+            }
+            cols.Prepare(sp.dMin, scale, tbl.GetSize());
+            const zan_dsp::DepthRow d {&cols, frac, tbl.Data(), &planes, lut};
+            std::vector<std::vector<CRgb>> out;
+            AtEachLevel([&](int) {
+                std::vector<CRgb> o(n);
+                zan_dsp::DepthColourRow(fold, n, d, o.data());
+                out.push_back(o);
+            });
+            for (std::size_t l = 1; l < out.size(); ++l)
+                for (std::size_t x = 0; x < n; ++x)
+                    ASSERT_EQ(out[l][x], out[0][x]) << "span " << sp.dMin << ".." << sp.dMax << " frac " << frac << " column " << x;
+            checked += n;
+        }
+    }
+    EXPECT_EQ(checked, 25u * n);
 }
 
 TEST(DspRow, WidePicturesAreTheSameAtEveryLevel)
