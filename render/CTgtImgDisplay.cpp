@@ -12,8 +12,9 @@
 // one of the last line folded onto it (once byte 0 exceeds 8 it stays above),
 // so it is worked out for that line only. When all lines of a row share one
 // correction table, and it rises with the sample (it does unless a gain
-// overflows 32 bits), max and table commute: the raw samples are folded and
-// the table is applied once per pixel, through the colour table.
+// overflows 32 bits), max and table commute: the row kernel folds the raw
+// samples itself, straight from the plane, and the table is applied once per
+// pixel, through the colour table.
 #include "image/CTgtImg.h"
 
 #include "core/platform/CColTbl.h"
