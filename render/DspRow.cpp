@@ -227,7 +227,7 @@ struct Estimate {
     __m512i q;
     __mmask16 sure;
 };
-ZAN_VBMI [[gnu::always_inline]] inline Estimate Estimate16(const float* a, const float* bLo, const float* bHi, __m512 frac32)
+[[gnu::always_inline]] ZAN_VBMI inline Estimate Estimate16(const float* a, const float* bLo, const float* bHi, __m512 frac32)
 {
     const __m512 ta = _mm512_loadu_ps(a);
     const __m512i lo = _mm512_cvt_roundps_epi32(_mm512_fmadd_ps(ta, frac32, _mm512_loadu_ps(bLo)),
@@ -266,7 +266,7 @@ alignas(64) constexpr std::array<BYTE, 64> kLowBytesOfPacks = LowBytesOfPacks();
 
 // The depth index bytes of the 64 columns from x, in work order: the
 // single-precision estimates, and the exact form where they are not sure.
-ZAN_VBMI [[gnu::always_inline]] inline __m512i DepthBlock(const DepthCols& c, const float* a, const float* bLo, const float* bHi,
+[[gnu::always_inline]] ZAN_VBMI inline __m512i DepthBlock(const DepthCols& c, const float* a, const float* bLo, const float* bHi,
                                                           double frac, __m512 frac32, __m512i lastW, __m512i lowBytes,
                                                           std::size_t x)
 {
