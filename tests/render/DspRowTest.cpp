@@ -176,6 +176,50 @@ TEST(DspRow, DepthIndicesAtWholeNumbersAreExactAtEveryLevel)
     EXPECT_EQ(checked, 25u * n);
 }
 
+// Depth that changes smoothly from beam to beam, as a seabed gives it: each
+// block of 64 columns then spans few table entries, the case the vector form
+// colours from one run of the table. Runs that cross index 0 (negative
+// indices keep their low byte), the held end nc - 1, and the 256th entry of a
+// longer table are all met.
+TEST(DspRow, SmoothDepthAcrossBeamsIsTheSameAtEveryLevel)
+{
+    std::mt19937 rng(5);
+    constexpr std::size_t n = 64 * 20 + 37;
+    for (int iter = 0; iter < 60; ++iter) {
+        const CColTbl tbl = RandomTable(rng, iter % 3 ? 256 : 300);
+        zan_dsp::Planes planes;
+        planes.Set(tbl.Data());
+        BYTE lut[256];
+        for (int v = 0; v < 256; ++v) lut[v] = static_cast<BYTE>(iter % 2 ? v : std::min(255, v * 3 / 2));
+        const unsigned m = 1 + rng() % 3;
+        std::vector<BYTE> lines(n * m);
+        for (auto& v : lines) v = static_cast<BYTE>(rng() % 5 ? 9 + rng() % 60 : rng() % 12);
+        const zan_dsp::Fold fold {lines.data(), n, m};
+        // Indices from about -40 to 340 over the row, rising or falling.
+        const double dMin = static_cast<int>(rng() % 40) - 10.0, span = 5.0 + rng() % 60;
+        const double scale = tbl.GetSize() / span;
+        const double idx0 = static_cast<int>(rng() % 380) - 40.0, slope = (static_cast<int>(rng() % 200) - 100) / 400.0;
+        zan_dsp::DepthCols cols;
+        cols.sz.resize(n);
+        cols.dz.resize(n);
+        for (std::size_t x = 0; x < n; ++x) {
+            const double t = idx0 + slope * static_cast<double>(x);
+            cols.sz[x] = (t - 0.5) / scale + dMin;
+            cols.dz[x] = (static_cast<int>(rng() % 21) - 10) / 10.0 / scale;
+        }
+        cols.Prepare(dMin, scale, tbl.GetSize());
+        const zan_dsp::DepthRow d {&cols, (rng() % 2001) / 2000.0, tbl.Data(), &planes, lut};
+        std::vector<std::vector<CRgb>> out;
+        AtEachLevel([&](int) {
+            std::vector<CRgb> o(n + 1, CRgb(1, 2, 3, 4));
+            zan_dsp::DepthColourRow(fold, n, d, o.data());
+            out.push_back(o);
+        });
+        for (std::size_t l = 1; l < out.size(); ++l)
+            for (std::size_t x = 0; x <= n; ++x) ASSERT_EQ(out[l][x], out[0][x]) << "iteration " << iter << " column " << x;
+    }
+}
+
 TEST(DspRow, WidePicturesAreTheSameAtEveryLevel)
 {
     std::mt19937 rng(99);
