@@ -51,17 +51,20 @@ void DepthCols::Prepare(double depthMin, double depthScale, int entries)
     // 16-bit lanes; such columns always take the exact form.
     constexpr double kMaxW = 16383.0;
     const std::size_t n = sz.size();
-    // A whole number always lies between -2 and 2: never sure.
+    // No fraction is below -1: never sure.
     a.assign(n, 0.0f);
-    bLo.assign(n, -2.0f);
-    bHi.assign(n, 2.0f);
+    bLo.assign(n, 0.5f);
+    room.assign(n, -1.0f);
     for (std::size_t x = 0; x < n; ++x) {
         const double w = (std::fabs(dz[x]) + std::fabs(sz[x]) + std::fabs(dMin)) * std::fabs(scale);
         if (!(w <= kMaxW)) continue;
         const double b = (sz[x] - dMin) * scale + 0.5, e = std::ldexp(w + 1.0, -20);
         a[x] = static_cast<float>(dz[x] * scale);
         bLo[x] = static_cast<float>(b - e);
-        bHi[x] = static_cast<float>(b + e);
+        const double r = 1.0 - 2.0 * e;
+        float rf = static_cast<float>(r);
+        if (static_cast<double>(rf) > r) rf = std::nextafter(rf, 0.0f);  // rounded down: never more room
+        room[x] = rf;
     }
 }
 
@@ -227,14 +230,12 @@ struct Estimate {
     __m512i q;
     __mmask16 sure;
 };
-[[gnu::always_inline]] ZAN_VBMI inline Estimate Estimate16(const float* a, const float* bLo, const float* bHi, __m512 frac32)
+[[gnu::always_inline]] ZAN_VBMI inline Estimate Estimate16(const float* a, const float* bLo, const float* room, __m512 frac32)
 {
-    const __m512 ta = _mm512_loadu_ps(a);
-    const __m512i lo = _mm512_cvt_roundps_epi32(_mm512_fmadd_ps(ta, frac32, _mm512_loadu_ps(bLo)),
-                                                _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
-    const __m512i hi = _mm512_cvt_roundps_epi32(_mm512_fmadd_ps(ta, frac32, _mm512_loadu_ps(bHi)),
-                                                _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
-    return {hi, _mm512_cmpeq_epi32_mask(lo, hi)};
+    const __m512 t = _mm512_fmadd_ps(_mm512_loadu_ps(a), frac32, _mm512_loadu_ps(bLo));
+    const __m512 fr = _mm512_reduce_ps(t, 0x09);  // t - floor(t), exactly
+    return {_mm512_cvt_roundps_epi32(t, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC),
+            _mm512_cmp_ps_mask(fr, _mm512_loadu_ps(room), _CMP_LT_OQ)};
 }
 
 // The exact index bytes of the columns x + c for the bits c of `unsure`,
@@ -266,14 +267,14 @@ alignas(64) constexpr std::array<BYTE, 64> kLowBytesOfPacks = LowBytesOfPacks();
 
 // The depth index bytes of the 64 columns from x, in work order: the
 // single-precision estimates, and the exact form where they are not sure.
-[[gnu::always_inline]] ZAN_VBMI inline __m512i DepthBlock(const DepthCols& c, const float* a, const float* bLo, const float* bHi,
+[[gnu::always_inline]] ZAN_VBMI inline __m512i DepthBlock(const DepthCols& c, const float* a, const float* bLo, const float* room,
                                                           double frac, __m512 frac32, __m512i lastW, __m512i lowBytes,
                                                           std::size_t x)
 {
-    const Estimate q0 = Estimate16(a + x, bLo + x, bHi + x, frac32);
-    const Estimate q1 = Estimate16(a + x + 16, bLo + x + 16, bHi + x + 16, frac32);
-    const Estimate q2 = Estimate16(a + x + 32, bLo + x + 32, bHi + x + 32, frac32);
-    const Estimate q3 = Estimate16(a + x + 48, bLo + x + 48, bHi + x + 48, frac32);
+    const Estimate q0 = Estimate16(a + x, bLo + x, room + x, frac32);
+    const Estimate q1 = Estimate16(a + x + 16, bLo + x + 16, room + x + 16, frac32);
+    const Estimate q2 = Estimate16(a + x + 32, bLo + x + 32, room + x + 32, frac32);
+    const Estimate q3 = Estimate16(a + x + 48, bLo + x + 48, room + x + 48, frac32);
     // The estimated floors lie within +-16385: 16-bit words hold them, and
     // the low byte of a word is that of the 32-bit integer.
     const __m512i w01 = _mm512_min_epi16(_mm512_packs_epi32(q0.q, q1.q), lastW);
@@ -296,7 +297,7 @@ ZAN_VBMI void DepthColourRowVbmi(const Fold& f, std::size_t n, const DepthRow& d
     const __m512i order = _mm512_load_si512(kWorkOrder.data());
     const __m512i eight = _mm512_set1_epi8(8), k126 = _mm512_set1_epi8(126), zero = _mm512_setzero_si512();
     const double frac = d.frac;
-    const float *ea = c.a.data(), *ebLo = c.bLo.data(), *ebHi = c.bHi.data();
+    const float *ea = c.a.data(), *ebLo = c.bLo.data(), *eRoom = c.room.data();
     const __m512i lowBytes = _mm512_load_si512(kLowBytesOfPacks.data());
     const __m512 frac32 = _mm512_set1_ps(static_cast<float>(frac));
     const __m512i lastW = _mm512_set1_epi16(static_cast<short>(std::min(c.nc - 1, 32767)));
@@ -310,7 +311,7 @@ ZAN_VBMI void DepthColourRowVbmi(const Fold& f, std::size_t n, const DepthRow& d
             for (int j = 0; j < 4; ++j) _mm512_storeu_si512(out + x + 16 * j, zero);
             continue;
         }
-        const __m512i idx = DepthBlock(c, ea, ebLo, ebHi, frac, frac32, lastW, lowBytes, x);
+        const __m512i idx = DepthBlock(c, ea, ebLo, eRoom, frac, frac32, lastW, lowBytes, x);
         const __m512i k = _mm512_adds_epu8(i, k126);  // min(i + 126, 255)
         const __m512i r = Lookup(idx, tr, lit), g = Lookup(idx, tg, lit), b = Lookup(idx, tb, lit);
         const __m512i a = Lookup(i, ta, lit);

@@ -44,17 +44,17 @@ void ColourRow(const Fold& f, std::size_t n, const CRgb* ctab, const Planes& p, 
 // The depth geometry of an image's columns for one build.
 //
 // The exact index of a column (DepthIndexByte of dz * frac + sz) costs seven
-// double operations. The vector form first takes two single-precision
-// estimates, a * frac + b -+ e, one e either side of t: e is 2^-20 of w + 1,
-// w = (|dz| + |sz| + |dMin|) * |scale|, and the estimates' own error, with the
-// exact form's rounding, stays below 2^-21.9 of w + 1. Where both estimates
-// have the same floor, t has it too. Elsewhere, about 2e of the time, and for
-// any column whose w is not below 2^14 (or isn't a number), the exact form
-// decides.
+// double operations. The vector form first takes a single-precision estimate
+// of t - e, u = a * frac + bLo: e is 2^-20 of w + 1, w = (|dz| + |sz| + |dMin|)
+// * |scale|, and the estimate's own error, with the exact form's rounding,
+// stays below 2^-21.9 of w + 1. Where u - floor(u) is below room (1 - 2e,
+// rounded down), no whole number lies between u and u + 2e, so t has the
+// floor of u. Elsewhere, about 2e of the time, and for any column whose w is
+// not below 2^14 (or isn't a number), the exact form decides.
 struct DepthCols {
     std::vector<double> sz;  // start depth of each column
     std::vector<double> dz;  // end depth minus start depth
-    std::vector<float> a, bLo, bHi;  // the estimates t ~ a * frac + bLo and + bHi
+    std::vector<float> a, bLo, room;
     double dMin = 0.0;
     double scale = 1.0;      // nc / span
     int nc = 256;            // table entries, at least 256
