@@ -6,8 +6,9 @@
 #include <cmath>
 #include <cstdint>
 
-// This file is built without fused multiply-add (see CMakeLists.txt): the
-// exact depth index must round as its written order says, at every level.
+// This file is built without contracted multiply-adds (see CMakeLists.txt):
+// the exact depth index must round as its written order says, at every
+// level. The estimates' fused multiply-adds are written out as intrinsics.
 
 #if defined(__x86_64__) && defined(__GNUC__)
 #define ZAN_DSP_X86 1
