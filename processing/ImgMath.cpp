@@ -314,68 +314,123 @@ ZAN_AVX512 void NormRowAvx512(const BYTE* row, BYTE* out, size_t cols, double G,
     for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, colMax ? std::max(rowMax, colMax[c]) : rowMax);
 }
 
-// One line of Normalise8's bytes when den is the same for the whole line, g
-// < den and maxS * den <= 2^32 (maxS the line's greatest sample), in 16-bit
-// lanes. Then with C = g / den and M = ceil(C 2^32) < 2^32, floor(s M / 2^32)
-// is floor(s g / den) for every s <= maxS (s M / 2^32 exceeds s C by less
-// than s 2^-32 <= 1 / den, while a fraction of s C that isn't 0 lies between
+// Normalise8's bytes in 16-bit lanes, for a line whose divisors den satisfy
+// g < den and maxS * den <= 2^32 (maxS the line's greatest sample). Then with
+// C = g / den and M = ceil(C 2^32) < 2^32, floor(s M / 2^32) is
+// floor(s g / den) for every s <= maxS (s M / 2^32 exceeds s C by less than
+// s 2^-32 <= 1 / den, while a fraction of s C that isn't 0 lies between
 // 1 / den and 1 - 1 / den), and s g / den is whole exactly when the low 32
 // bits of s M are below s. The double evaluation truncates to floor(s g / den)
 // except, perhaps, where that is whole: those samples are worked out in double.
-// floor(x M / 2^32) of 32 samples x for M = mhi:mlo (16 bits each), stored
-// as bytes at out; returns the lanes where the low 32 bits of x M are below x.
-ZAN_AVX512 inline std::uint32_t QuotientWords(__m512i x, __m512i mhi, __m512i mlo, BYTE* out)
+//
+// s M is hiA 2^32 + (loA + hiB) 2^16 + loB in 16-bit pieces, so its low 32
+// bits are mid 2^16 + loB with mid = loA + hiB (mod 2^16): below s only where
+// mid is 0. The loop writes no mask registers (their compares are what
+// limits it): the carry out of mid comes from its addends and the sum, and
+// the lanes where mid is 0 for a sample that isn't are gathered by a running
+// minimum and looked for once per group of columns.
+namespace words {
+
+constexpr size_t kGroup = 256;  // columns between looks for a whole quotient
+
+// floor(x M / 2^32) of 32 samples x for M = mhi:mlo, and mid.
+ZAN_AVX512 inline __m512i Quotient(__m512i x, __m512i mhi, __m512i mlo, __m512i& mid)
 {
     const __m512i hiA = _mm512_mulhi_epu16(x, mhi), loA = _mm512_mullo_epi16(x, mhi);
-    const __m512i loB = _mm512_mullo_epi16(x, mlo);
-    const __m512i mid = _mm512_add_epi16(loA, _mm512_mulhi_epu16(x, mlo));
-    const __m512i q = _mm512_mask_add_epi16(hiA, _mm512_cmplt_epu16_mask(mid, loA), hiA, _mm512_set1_epi16(1));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_cvtepi16_epi8(q));
-    return _mm512_cmpeq_epi16_mask(mid, _mm512_setzero_si512()) & _mm512_cmplt_epu16_mask(loB, x);
+    const __m512i hiB = _mm512_mulhi_epu16(x, mlo);
+    mid = _mm512_add_epi16(loA, hiB);
+    // Carry out of bit 15: (a & b) | ((a | b) & ~sum).
+    const __m512i carry = _mm512_srli_epi16(_mm512_ternarylogic_epi64(loA, hiB, mid, 0xD4), 15);
+    return _mm512_add_epi16(hiA, carry);
 }
 
-ZAN_AVX512 void NormRowWordsAvx512(const BYTE* row, BYTE* out, size_t cols, double G, std::uint32_t g, std::uint32_t den)
+// The running minimum of mid, where a sample of 0 counts as 1.
+ZAN_AVX512 inline __m512i Seen(__m512i seen, __m512i x, __m512i mid)
 {
-    const std::uint64_t M = ((static_cast<std::uint64_t>(g) << 32) + den - 1) / den;
-    const __m512i mhi = _mm512_set1_epi16(static_cast<short>(M >> 16));
-    const __m512i mlo = _mm512_set1_epi16(static_cast<short>(M & 0xFFFF));
-    size_t c = 0;
-    for (; c + 32 <= cols; c += 32) {
-        const std::uint32_t whole = QuotientWords(_mm512_loadu_si512(row + 2 * c), mhi, mlo, out + c);
-        for (std::uint32_t bad = whole; bad; bad &= bad - 1) {
-            const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
-            out[j] = NormOne(Word(row, j), G, den);
-        }
-    }
-    for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, den);
+    const __m512i one = _mm512_set1_epi16(1);
+    // mid | (min(x, 1) ^ 1)
+    return _mm512_min_epu16(seen, _mm512_ternarylogic_epi64(mid, _mm512_min_epu16(x, one), one, 0xF6));
 }
 
-// The same with a divisor for each column, den = max(rowDen, colMax[c]).
-// M = ceil(g 2^32 / den) falls as den rises, so a lane's multiplier is the
-// smaller of the line's and its column's (colHi:colLo, held at 2^32 - 1 for a
-// column whose maximum is at most g). Needs g < rowDen and maxS * max(rowDen,
-// every colMax) <= 2^32, so that the reasoning above holds in every lane; two
-// divisors with one multiplier give the same quotients.
-ZAN_AVX512 void NormRowWordsColsAvx512(const BYTE* row, BYTE* out, size_t cols, double G, std::uint32_t g,
-                                       std::uint32_t rowDen, const std::uint32_t* colMax, const std::uint16_t* colHi,
-                                       const std::uint16_t* colLo)
+// The multiplier of every lane: the line's.
+struct LineMult {
+    __m512i hi, lo;
+    ZAN_AVX512 void operator()(size_t, __m512i& mhi, __m512i& mlo) const { mhi = hi, mlo = lo; }
+};
+
+// A lane takes its column's multiplier (colHi:colLo) where its column's
+// maximum is above the line's divisor, that is where the column's greatest
+// sample colS is above top, the greatest sample whose quotient is at most the
+// line's divisor. M falls as den rises, so that is the smaller multiplier; two
+// equal divisors give the same quotients either way.
+struct ColumnMult {
+    __m512i hi, lo, top;
+    const std::uint16_t *colS, *colHi, *colLo;
+    ZAN_AVX512 void operator()(size_t c, __m512i& mhi, __m512i& mlo) const
+    {
+        // Whole loads and blends: masked loads are slower on some processors.
+        const __mmask32 byCol = _mm512_cmpgt_epu16_mask(_mm512_loadu_epi16(colS + c), top);
+        mhi = _mm512_mask_blend_epi16(byCol, hi, _mm512_loadu_epi16(colHi + c));
+        mlo = _mm512_mask_blend_epi16(byCol, lo, _mm512_loadu_epi16(colLo + c));
+    }
+};
+
+// One line: M = ceil(g 2^32 / den) the line's multiplier, colMax null or
+// each column's divisor (den of a lane is then the greater of the two).
+template <class Mult>
+ZAN_AVX512 inline void Line(const BYTE* row, BYTE* out, size_t cols, double G, std::uint32_t den,
+                            const std::uint32_t* colMax, const Mult& mult)
 {
-    const std::uint64_t M = ((static_cast<std::uint64_t>(g) << 32) + rowDen - 1) / rowDen;
-    const __m512i rhi = _mm512_set1_epi16(static_cast<short>(M >> 16));
-    const __m512i rlo = _mm512_set1_epi16(static_cast<short>(M & 0xFFFF));
-    size_t c = 0;
-    for (; c + 32 <= cols; c += 32) {
-        const __m512i chi = _mm512_loadu_si512(colHi + c), clo = _mm512_loadu_si512(colLo + c);
-        const __mmask32 byCol = _mm512_cmplt_epu16_mask(chi, rhi) |
-                                (_mm512_cmpeq_epi16_mask(chi, rhi) & _mm512_cmplt_epu16_mask(clo, rlo));
-        const __m512i mhi = _mm512_mask_blend_epi16(byCol, rhi, chi), mlo = _mm512_mask_blend_epi16(byCol, rlo, clo);
-        const std::uint32_t whole = QuotientWords(_mm512_loadu_si512(row + 2 * c), mhi, mlo, out + c);
-        for (std::uint32_t bad = whole; bad; bad &= bad - 1) {
-            const size_t j = c + static_cast<size_t>(__builtin_ctz(bad));
-            out[j] = NormOne(Word(row, j), G, std::max(rowDen, colMax[j]));
+    auto exact = [&](size_t j) { out[j] = NormOne(Word(row, j), G, colMax ? std::max(den, colMax[j]) : den); };
+    const size_t whole = cols & ~size_t{31};
+    for (size_t c = 0; c < whole; c += kGroup) {
+        const size_t end = std::min(whole, c + kGroup);
+        __m512i seen = _mm512_set1_epi16(-1);
+        for (size_t k = c; k < end; k += 32) {
+            __m512i mhi, mlo, mid;
+            mult(k, mhi, mlo);
+            const __m512i x = _mm512_loadu_si512(row + 2 * k);
+            const __m512i q = Quotient(x, mhi, mlo, mid);
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + k), _mm512_cvtepi16_epi8(q));
+            seen = Seen(seen, x, mid);
+        }
+        if (_mm512_cmpeq_epi16_mask(seen, _mm512_setzero_si512()) == 0) continue;
+        for (size_t k = c; k < end; k += 32) {
+            __m512i mhi, mlo, mid;
+            mult(k, mhi, mlo);
+            const __m512i x = _mm512_loadu_si512(row + 2 * k);
+            Quotient(x, mhi, mlo, mid);
+            for (std::uint32_t bad = _mm512_mask_cmpeq_epi16_mask(_mm512_test_epi16_mask(x, x), mid, _mm512_setzero_si512());
+                 bad; bad &= bad - 1)
+                exact(k + static_cast<size_t>(__builtin_ctz(bad)));
         }
     }
-    for (; c < cols; ++c) out[c] = NormOne(Word(row, c), G, std::max(rowDen, colMax[c]));
+    for (size_t c = whole; c < cols; ++c) exact(c);
+}
+
+}  // namespace words
+
+ZAN_AVX512 void NormRowWordsAvx512(const BYTE* row, BYTE* out, size_t cols, double G, std::uint64_t M, std::uint32_t den)
+{
+    const words::LineMult mult{_mm512_set1_epi16(static_cast<short>(M >> 16)),
+                               _mm512_set1_epi16(static_cast<short>(M & 0xFFFF))};
+    words::Line(row, out, cols, G, den, nullptr, mult);
+}
+
+// The same with a divisor for each column, den = max(rowDen, colMax[c]);
+// rowTop is the greatest sample whose quotient is at most rowDen. Needs g <
+// rowDen and maxS * max(rowDen, every colMax) <= 2^32.
+ZAN_AVX512 void NormRowWordsColsAvx512(const BYTE* row, BYTE* out, size_t cols, double G, std::uint64_t M,
+                                       std::uint32_t rowDen, std::uint16_t rowTop, const std::uint32_t* colMax,
+                                       const std::uint16_t* colS, const std::uint16_t* colHi, const std::uint16_t* colLo)
+{
+    const words::ColumnMult mult{_mm512_set1_epi16(static_cast<short>(M >> 16)),
+                                 _mm512_set1_epi16(static_cast<short>(M & 0xFFFF)),
+                                 _mm512_set1_epi16(static_cast<short>(rowTop)),
+                                 colS,
+                                 colHi,
+                                 colLo};
+    words::Line(row, out, cols, G, rowDen, colMax, mult);
 }
 
 #endif  // ZAN_X86_VECTOR
@@ -461,12 +516,13 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
         const bool anyCol = useCols && rows > 50;
         std::vector<std::uint32_t> colMax;
         std::vector<float> rcpCol;
+        std::vector<std::uint16_t> colS;          // each column's greatest sample
         std::vector<std::uint16_t> colHi, colLo;  // each column's multiplier (NormRowWordsColsAvx512)
         size_t known = 0;  // lines whose rowRaw is known
         std::uint32_t colTop = 0;  // the greatest column maximum
         if (anyCol) {
             // Column maxima need every line from 50 on before the first byte.
-            std::vector<unsigned short> colS(cols, 0);
+            colS.assign(cols, 0);
             for (; known < rows; ++known) {
                 rowS[known] = rowMaxOf(known, known >= 50 ? colS.data() : nullptr);
                 rowRaw[known] = quotient(rowS[known]);
@@ -490,14 +546,22 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
                 }
             }
         }
-        // Otherwise each line is read for its maximum just ahead of its bytes
-        // (three lines ahead with the spread), while it is still in cache.
-        const size_t ahead = spread ? 3 : 0;
-        for (size_t r = 0; r < rows; ++r) {
-            for (; known < rows && known <= r + ahead; ++known) {
-                rowS[known] = rowMaxOf(known, nullptr);
-                rowRaw[known] = quotient(rowS[known]);
+        // A line's multiplier ceil(g 2^32 / den) and the greatest sample whose
+        // quotient is at most den (den >= 255, so the floor never decides
+        // it). Two 64-bit divisions: kept for the next line, which with the
+        // spread often has the same divisor.
+        std::uint32_t lastDen = 0;
+        std::uint64_t lastM = 0;
+        std::uint16_t lastTop = 0;
+        auto divisor = [&](std::uint32_t den) {
+            if (den != lastDen) {
+                lastDen = den;
+                lastM = ((static_cast<std::uint64_t>(g) << 32) + den - 1) / den;
+                lastTop = g == 0 ? std::uint16_t{0xFFFF}
+                                 : static_cast<std::uint16_t>(std::min<std::uint64_t>(0xFFFF, (255ull * (den + 1ull) - 1) / g));
             }
+        };
+        auto line = [&](size_t r) {
             std::uint32_t den = rowRaw[r];
             if (spread) {
                 if (r >= 3) den = std::max(den, rowRaw[r - 3]);
@@ -510,10 +574,27 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
             const bool oneDen = !anyCol || den >= colTop;
             const std::uint64_t topDen = std::max(den, oneDen ? den : colTop);
             if (avx512 && g < den && static_cast<std::uint64_t>(rowS[r]) * topDen <= (1ull << 32)) {
-                if (oneDen) NormRowWordsAvx512(row, dst + r * cols, cols, G, g, den);
-                else NormRowWordsColsAvx512(row, dst + r * cols, cols, G, g, den, cm, colHi.data(), colLo.data());
+                divisor(den);
+                if (oneDen) NormRowWordsAvx512(row, dst + r * cols, cols, G, lastM, den);
+                else
+                    NormRowWordsColsAvx512(row, dst + r * cols, cols, G, lastM, den, lastTop, cm, colS.data(),
+                                           colHi.data(), colLo.data());
             } else if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
             else NormRowAvx2(row, dst + r * cols, cols, G, den, cm, rc);
+        };
+        if (anyCol) {
+            for (size_t r = 0; r < rows; ++r) line(r);
+            return;
+        }
+        // Otherwise each line is read for its maximum just ahead of its bytes
+        // (three lines ahead with the spread), while it is still in cache.
+        const size_t ahead = spread ? 3 : 0;
+        for (size_t r = 0; r < rows; ++r) {
+            for (; known < rows && known <= r + ahead; ++known) {
+                rowS[known] = rowMaxOf(known, nullptr);
+                rowRaw[known] = quotient(rowS[known]);
+            }
+            line(r);
         }
         return;
     }
