@@ -537,6 +537,9 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
             if (avx512) {
                 colHi.resize(cols);
                 colLo.resize(cols);
+                // A column whose maximum is at most g is never above a line
+                // divisor the word kernels take (g < den): its multiplier is
+                // a placeholder.
                 for (size_t c = 0; c < cols; ++c) {
                     const std::uint64_t M = g < colMax[c]
                                                 ? ((static_cast<std::uint64_t>(g) << 32) + colMax[c] - 1) / colMax[c]
@@ -561,7 +564,15 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
                                  : static_cast<std::uint16_t>(std::min<std::uint64_t>(0xFFFF, (255ull * (den + 1ull) - 1) / g));
             }
         };
-        auto line = [&](size_t r) {
+        // Without column maxima each line is read for its maximum just ahead
+        // of its bytes (three lines ahead with the spread), while it is still
+        // in cache.
+        const size_t ahead = spread ? 3 : 0;
+        for (size_t r = 0; r < rows; ++r) {
+            for (; known < rows && known <= r + ahead; ++known) {
+                rowS[known] = rowMaxOf(known, nullptr);
+                rowRaw[known] = quotient(rowS[known]);
+            }
             std::uint32_t den = rowRaw[r];
             if (spread) {
                 if (r >= 3) den = std::max(den, rowRaw[r - 3]);
@@ -581,20 +592,6 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
                                            colHi.data(), colLo.data());
             } else if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
             else NormRowAvx2(row, dst + r * cols, cols, G, den, cm, rc);
-        };
-        if (anyCol) {
-            for (size_t r = 0; r < rows; ++r) line(r);
-            return;
-        }
-        // Otherwise each line is read for its maximum just ahead of its bytes
-        // (three lines ahead with the spread), while it is still in cache.
-        const size_t ahead = spread ? 3 : 0;
-        for (size_t r = 0; r < rows; ++r) {
-            for (; known < rows && known <= r + ahead; ++known) {
-                rowS[known] = rowMaxOf(known, nullptr);
-                rowRaw[known] = quotient(rowS[known]);
-            }
-            line(r);
         }
         return;
     }
