@@ -60,6 +60,19 @@ inline double Clamp(double v, double t)
     return m < 0.0 ? 0.0 : m;
 }
 
+// Clamp without a branch, for a sign that follows the echoes: on busy lines
+// a mispredicted branch per pixel costs more than the sums, while where the
+// sign is steady the branch is the quicker. maxsd(0, m) is 0 > m ? 0 : m,
+// the same choice.
+inline double ClampMixed(double v, double t)
+{
+#ifdef __SSE2__
+    return _mm_cvtsd_f64(_mm_max_sd(_mm_setzero_pd(), _mm_set_sd(std::min(v, t))));
+#else
+    return Clamp(v, t);
+#endif
+}
+
 struct Params {
     const double* pat;
     int nPat;
@@ -177,7 +190,7 @@ struct K4 {
     {
         const double T = s.T;
         const double D = std::min(D1, D2);
-        const double R = Clamp(T - D, T);
+        const double R = ClampMixed(T - D, T);
         const double r = Clamp(R - s.biasT, s.Tp);
         if (s.Tp == 0.0) return 0;
         const double y = pk.root * r / s.Tp;
