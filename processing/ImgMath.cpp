@@ -10,10 +10,10 @@
 //   one comparison of the remainder.
 // - Normalise8's byte is trunc(s * G * 255 / den) in double precision, which
 //   is floor(s * g / den) except, perhaps, where that quotient is whole. For a
-//   line with one divisor a 32-bit reciprocal gives the quotient and tells the
-//   whole ones in 16-bit lanes (NormRowWordsAvx512); with column maxima each
-//   lane takes the smaller of its line's and its column's reciprocal
-//   (NormRowWordsColsAvx512). Otherwise a
+//   line with one divisor a 32-bit reciprocal gives the quotient in 16-bit
+//   lanes and flags the few lanes where it may be whole (NormRowWordsAvx512);
+//   with column maxima each lane takes the smaller of its line's and its
+//   column's reciprocal (NormRowWordsColsAvx512). Otherwise a
 //   single-precision estimate lies within 1e-4 of the double; where it is
 //   further than 2e-4 from a whole number both truncate alike. The few
 //   samples left are worked out in double precision.
