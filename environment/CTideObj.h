@@ -68,7 +68,11 @@ public:
     // or after the tail's, when no point is later than tm (tm exactly at the
     // last point's time included: an interval is closed at its start only),
     // and when no earlier point precedes the later one. Accuracy: the
-    // double arithmetic of the rule, a few ulps.
+    // double arithmetic of the rule, a few ulps of the larger of the two
+    // heights (not of the result, which cancels when they differ in sign).
+    // Heights whose difference is beyond half the double's range overflow
+    // the sine rule, which doubles it before halving: the result is then
+    // infinite. Real tides are nowhere near; the rule is kept as it stands.
     virtual double GetRaw(double tm);
     // GetRaw(tm + m_shift) * m_scale + m_offset, or kNoTide (uncorrected)
     // when GetRaw gives kNoTide.
