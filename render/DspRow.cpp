@@ -41,6 +41,7 @@ void Planes::Set(const CRgb* t)
         b[i] = t[i].b;
         a[i] = t[i].a;
     }
+    aSame = std::all_of(a, a + 256, [&](BYTE v) { return v == a[0]; });
 }
 
 void DepthCols::Prepare(double depthMin, double depthScale, int entries)
@@ -290,13 +291,33 @@ alignas(64) constexpr std::array<BYTE, 64> kLowBytesOfPacks = LowBytesOfPacks();
     return _mm512_load_si512(block);
 }
 
-ZAN_VBMI void DepthColourRowVbmi(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out)
+// min(i + 126, 255) for each byte i above 8, else 0.
+ZAN_VBMI inline __m512i Brightness(__m512i i, __m512i eight, __m512i k126)
+{
+    return _mm512_maskz_adds_epu8(_mm512_cmpgt_epu8_mask(i, eight), i, k126);
+}
+
+// kSameAlpha: every alpha of the table is the same (Planes::aSame), so a
+// lit pixel's alpha needs no lookup.
+template <bool kSameAlpha>
+ZAN_VBMI void DepthColourRowVbmiT(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out)
 {
     const DepthCols& c = *d.cols;
     const Planes& p = *d.tblPlanes;
-    const Tbl256 tr = LoadTbl(p.r), tg = LoadTbl(p.g), tb = LoadTbl(p.b), ta = LoadTbl(p.a), tl = LoadTbl(d.lut);
-    const __m512i order = _mm512_load_si512(kWorkOrder.data());
+    const Tbl256 tr = LoadTbl(p.r), tg = LoadTbl(p.g), tb = LoadTbl(p.b), tl = LoadTbl(d.lut);
     const __m512i eight = _mm512_set1_epi8(8), k126 = _mm512_set1_epi8(126), zero = _mm512_setzero_si512();
+    // By folded intensity v, with i = lut[v]: the brightness k = min(i + 126,
+    // 255) where i is above 8 (k is then at least 135), else 0, unlit; and
+    // the alpha tbl[i].a.
+    const Tbl256 tk {Brightness(tl.t0, eight, k126), Brightness(tl.t1, eight, k126), Brightness(tl.t2, eight, k126),
+                     Brightness(tl.t3, eight, k126)};
+    Tbl256 ta {};
+    if constexpr (!kSameAlpha) {
+        const Tbl256 tblA = LoadTbl(p.a);
+        ta = {Lookup(tl.t0, tblA), Lookup(tl.t1, tblA), Lookup(tl.t2, tblA), Lookup(tl.t3, tblA)};
+    }
+    const __m512i order = _mm512_load_si512(kWorkOrder.data());
+    const __m512i aAll = _mm512_set1_epi8(static_cast<char>(p.a[0]));
     const double frac = d.frac;
     const float *ea = c.a.data(), *ebLo = c.bLo.data(), *eRoom = c.room.data();
     const __m512i lowBytes = _mm512_load_si512(kLowBytesOfPacks.data());
@@ -306,21 +327,43 @@ ZAN_VBMI void DepthColourRowVbmi(const Fold& f, std::size_t n, const DepthRow& d
     const std::size_t nVec = frac >= 0.0 && frac <= 1.0 ? std::min(n, c.Size()) : 0;
     std::size_t x = 0;
     for (; x + 64 <= nVec; x += 64) {
-        const __m512i i = Lookup(FoldedBlock(f, x, order), tl);
-        const __mmask64 lit = _mm512_cmpgt_epu8_mask(i, eight);
+        const __m512i v = FoldedBlock(f, x, order);
+        const __m512i k = Lookup(v, tk);
+        const __mmask64 lit = _mm512_test_epi8_mask(k, k);
         if (!lit) {
             for (int j = 0; j < 4; ++j) _mm512_storeu_si512(out + x + 16 * j, zero);
             continue;
         }
         const __m512i idx = DepthBlock(c, ea, ebLo, eRoom, frac, frac32, lastW, lowBytes, x);
-        const __m512i k = _mm512_adds_epu8(i, k126);  // min(i + 126, 255)
-        const __m512i r = Lookup(idx, tr, lit), g = Lookup(idx, tg, lit), b = Lookup(idx, tb, lit);
-        const __m512i a = Lookup(i, ta, lit);
+        __m512i r, g, b;
+        // Depth changes little across 64 columns: their indices mostly lie
+        // in one half of the table, which one permute each reads.
+        const __mmask64 hi = _mm512_movepi8_mask(idx);
+        if (hi == 0) {
+            r = _mm512_maskz_permutex2var_epi8(lit, tr.t0, idx, tr.t1);
+            g = _mm512_maskz_permutex2var_epi8(lit, tg.t0, idx, tg.t1);
+            b = _mm512_maskz_permutex2var_epi8(lit, tb.t0, idx, tb.t1);
+        } else if (hi == ~__mmask64 {0}) {
+            r = _mm512_maskz_permutex2var_epi8(lit, tr.t2, idx, tr.t3);
+            g = _mm512_maskz_permutex2var_epi8(lit, tg.t2, idx, tg.t3);
+            b = _mm512_maskz_permutex2var_epi8(lit, tb.t2, idx, tb.t3);
+        } else {
+            r = Lookup(idx, tr, lit), g = Lookup(idx, tg, lit), b = Lookup(idx, tb, lit);
+        }
+        __m512i a;
+        if constexpr (kSameAlpha) a = _mm512_maskz_mov_epi8(lit, aAll);
+        else a = Lookup(v, ta, lit);
         const __m512i kLo = _mm512_unpacklo_epi8(zero, k), kHi = _mm512_unpackhi_epi8(zero, k);
         StoreWords(out + x, ScaleBoth(_mm512_unpacklo_epi8(r, g), kLo), ScaleBoth(_mm512_unpackhi_epi8(r, g), kHi),
                    ScaleLow(_mm512_unpacklo_epi8(b, a), kLo), ScaleLow(_mm512_unpackhi_epi8(b, a), kHi));
     }
     DepthColourRowPlain(f, x, n, d, out);
+}
+
+ZAN_VBMI void DepthColourRowVbmi(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out)
+{
+    if (d.tblPlanes->aSame) DepthColourRowVbmiT<true>(f, n, d, out);
+    else DepthColourRowVbmiT<false>(f, n, d, out);
 }
 
 int Detect()

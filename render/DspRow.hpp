@@ -22,6 +22,7 @@ void ForceLevel(int level);
 // the vector forms read them. Set once for each table.
 struct Planes {
     alignas(64) BYTE r[256], g[256], b[256], a[256];
+    bool aSame = false;  // every alpha is a[0], as in most tables
     void Set(const CRgb* t);
 };
 
