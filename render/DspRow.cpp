@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 
@@ -60,12 +61,14 @@ void DepthCols::Prepare(double depthMin, double depthScale, int entries)
     for (std::size_t x = 0; x < n; ++x) {
         const double w = (std::fabs(dz[x]) + std::fabs(sz[x]) + std::fabs(dMin)) * std::fabs(scale);
         if (!(w <= kMaxW)) continue;
-        const double b = (sz[x] - dMin) * scale + 0.5, e = std::ldexp(w + 1.0, -20);
+        const double b = (sz[x] - dMin) * scale + 0.5, e = (w + 1.0) * 0x1p-20;  // exact: w + 1 >= 1
         a[x] = static_cast<float>(dz[x] * scale);
         bLo[x] = static_cast<float>(b - e);
         const double r = 1.0 - 2.0 * e;
         float rf = static_cast<float>(r);
-        if (static_cast<double>(rf) > r) rf = std::nextafter(rf, 0.0f);  // rounded down: never more room
+        // Rounded down, never more room: r lies between 1 - 2^-5 and 1, so rf
+        // is a positive normal float, and the next one down is one unit less.
+        if (static_cast<double>(rf) > r) rf = std::bit_cast<float>(std::bit_cast<std::uint32_t>(rf) - 1u);
         room[x] = rf;
     }
 }
