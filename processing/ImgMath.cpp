@@ -549,21 +549,6 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
                 }
             }
         }
-        // A line's multiplier ceil(g 2^32 / den) and the greatest sample whose
-        // quotient is at most den (den >= 255, so the floor never decides
-        // it). Two 64-bit divisions: kept for the next line, which with the
-        // spread often has the same divisor.
-        std::uint32_t lastDen = 0;
-        std::uint64_t lastM = 0;
-        std::uint16_t lastTop = 0;
-        auto divisor = [&](std::uint32_t den) {
-            if (den != lastDen) {
-                lastDen = den;
-                lastM = ((static_cast<std::uint64_t>(g) << 32) + den - 1) / den;
-                lastTop = g == 0 ? std::uint16_t{0xFFFF}
-                                 : static_cast<std::uint16_t>(std::min<std::uint64_t>(0xFFFF, (255ull * (den + 1ull) - 1) / g));
-            }
-        };
         // Without column maxima each line is read for its maximum just ahead
         // of its bytes (three lines ahead with the spread), while it is still
         // in cache.
@@ -585,11 +570,17 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
             const bool oneDen = !anyCol || den >= colTop;
             const std::uint64_t topDen = std::max(den, oneDen ? den : colTop);
             if (avx512 && g < den && static_cast<std::uint64_t>(rowS[r]) * topDen <= (1ull << 32)) {
-                divisor(den);
-                if (oneDen) NormRowWordsAvx512(row, dst + r * cols, cols, G, lastM, den);
-                else
-                    NormRowWordsColsAvx512(row, dst + r * cols, cols, G, lastM, den, lastTop, cm, colS.data(),
-                                           colHi.data(), colLo.data());
+                // The line's multiplier ceil(g 2^32 / den), and the greatest
+                // sample whose quotient is at most den (den >= 255, so the
+                // floor never decides it).
+                const std::uint64_t M = ((static_cast<std::uint64_t>(g) << 32) + den - 1) / den;
+                if (oneDen) NormRowWordsAvx512(row, dst + r * cols, cols, G, M, den);
+                else {
+                    const auto top = static_cast<std::uint16_t>(
+                        g == 0 ? 0xFFFFu : std::min<std::uint64_t>(0xFFFF, (255ull * (den + 1ull) - 1) / g));
+                    NormRowWordsColsAvx512(row, dst + r * cols, cols, G, M, den, top, cm, colS.data(), colHi.data(),
+                                           colLo.data());
+                }
             } else if (avx512) NormRowAvx512(row, dst + r * cols, cols, G, den, cm, rc);
             else NormRowAvx2(row, dst + r * cols, cols, G, den, cm, rc);
         }
