@@ -23,6 +23,7 @@
 // Windows clipped by the row's ends are evaluated term by term.
 #include "processing/CTgtImgFlt.h"
 
+#include "core/CacheLineAllocator.hpp"
 #include "image/CTgtImg.h"
 #include "processing/FltTables.hpp"
 #include "processing/ImgMath.hpp"
@@ -474,9 +475,9 @@ private:
     const int m_h;
     const int m_win;
     const int m_split;  // window samples that go to the first sum
-    std::vector<BYTE> m_peakByte;
-    std::vector<BYTE> m_spans[2];
-    std::vector<double> m_level;  // s(i) of the row, for the vector steps
+    zan::LineVector<BYTE> m_peakByte;
+    zan::LineVector<BYTE> m_spans[2];
+    zan::LineVector<double> m_level;  // s(i) of the row, for the vector steps
     Peak m_peaks[256];
     Sums m_sums[256];  // an unclipped window's sums, by peak byte
     int m_uses[256] = {};

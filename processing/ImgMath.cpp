@@ -19,6 +19,8 @@
 //   samples left are worked out in double precision.
 #include "processing/ImgMath.hpp"
 
+#include "core/CacheLineAllocator.hpp"
+
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
@@ -273,8 +275,20 @@ ZAN_AVX512 void StretchWordsAvx512(const BYTE* src, BYTE* dst, size_t n, int min
 
 ZAN_AVX512 unsigned RowMaxAvx512(const BYTE* row, size_t cols, unsigned short* col)
 {
-    __m512i acc = _mm512_setzero_si512();
+    // Two vectors a step: one column update alone a step leaves the loads
+    // waiting (a tenth of the pass).
+    __m512i a0 = _mm512_setzero_si512(), a1 = a0;
     size_t c = 0;
+    for (; c + 64 <= cols; c += 64) {
+        const __m512i w0 = _mm512_loadu_si512(row + 2 * c), w1 = _mm512_loadu_si512(row + 2 * c + 64);
+        a0 = _mm512_max_epu16(a0, w0);
+        a1 = _mm512_max_epu16(a1, w1);
+        if (col) {
+            _mm512_storeu_si512(col + c, _mm512_max_epu16(_mm512_loadu_si512(col + c), w0));
+            _mm512_storeu_si512(col + c + 32, _mm512_max_epu16(_mm512_loadu_si512(col + c + 32), w1));
+        }
+    }
+    __m512i acc = _mm512_max_epu16(a0, a1);
     for (; c + 32 <= cols; c += 32) {
         const __m512i w = _mm512_loadu_si512(row + 2 * c);
         acc = _mm512_max_epu16(acc, w);
@@ -326,30 +340,33 @@ ZAN_AVX512 void NormRowAvx512(const BYTE* row, BYTE* out, size_t cols, double G,
 // s M is hiA 2^32 + (loA + hiB) 2^16 + loB in 16-bit pieces, so its low 32
 // bits are mid 2^16 + loB with mid = loA + hiB (mod 2^16): below s only where
 // mid is 0. The loop writes no mask registers (their compares are what
-// limits it): the carry out of mid comes from its addends and the sum, and
-// the lanes where mid is 0 for a sample that isn't are gathered by a running
-// minimum and looked for once per group of columns.
+// limits it). The carry out of loA + hiB is read from their rounded mean
+// av = (loA + hiB + 1) >> 1, which keeps the sum's 17th bit: av >> 15 is
+// the carry of loA + hiB + 1, wrong only where loA + hiB is 0xFFFF. And
+// av & 0x7FFF is 0 exactly where loA + hiB is 0, 0xFFFF or 0x10000: where mid
+// is 0 and where the carry is wrong. Those lanes, for a sample that isn't 0,
+// are gathered by a running minimum, looked for once per group of columns
+// and worked out in double.
 namespace words {
 
 constexpr size_t kGroup = 256;  // columns between looks for a whole quotient
 
-// floor(x M / 2^32) of 32 samples x for M = mhi:mlo, and mid.
-ZAN_AVX512 inline __m512i Quotient(__m512i x, __m512i mhi, __m512i mlo, __m512i& mid)
+// floor(x M / 2^32) of 32 samples x for M = mhi:mlo, but for the lanes the
+// rounded mean av flags (see above).
+ZAN_AVX512 inline __m512i Quotient(__m512i x, __m512i mhi, __m512i mlo, __m512i& av)
 {
     const __m512i hiA = _mm512_mulhi_epu16(x, mhi), loA = _mm512_mullo_epi16(x, mhi);
     const __m512i hiB = _mm512_mulhi_epu16(x, mlo);
-    mid = _mm512_add_epi16(loA, hiB);
-    // Carry out of bit 15: (a & b) | ((a | b) & ~sum).
-    const __m512i carry = _mm512_srli_epi16(_mm512_ternarylogic_epi64(loA, hiB, mid, 0xD4), 15);
-    return _mm512_add_epi16(hiA, carry);
+    av = _mm512_avg_epu16(loA, hiB);
+    return _mm512_add_epi16(hiA, _mm512_srli_epi16(av, 15));
 }
 
-// The running minimum of mid, where a sample of 0 counts as 1.
-ZAN_AVX512 inline __m512i Seen(__m512i seen, __m512i x, __m512i mid)
+// The running minimum of av & 0x7FFF, where a sample of 0 counts as 1.
+ZAN_AVX512 inline __m512i Seen(__m512i seen, __m512i x, __m512i av)
 {
-    const __m512i one = _mm512_set1_epi16(1);
-    // mid | (min(x, 1) ^ 1)
-    return _mm512_min_epu16(seen, _mm512_ternarylogic_epi64(mid, _mm512_min_epu16(x, one), one, 0xF6));
+    const __m512i zero = _mm512_subs_epu16(_mm512_set1_epi16(1), x);  // 1 where x is 0
+    // (av | zero) & 0x7FFF
+    return _mm512_min_epu16(seen, _mm512_ternarylogic_epi64(av, zero, _mm512_set1_epi16(0x7FFF), 0xA8));
 }
 
 // The multiplier of every lane: the line's.
@@ -387,20 +404,20 @@ ZAN_AVX512 inline void Line(const BYTE* row, BYTE* out, size_t cols, double G, s
         const size_t end = std::min(whole, c + kGroup);
         __m512i seen = _mm512_set1_epi16(-1);
         for (size_t k = c; k < end; k += 32) {
-            __m512i mhi, mlo, mid;
+            __m512i mhi, mlo, av;
             mult(k, mhi, mlo);
             const __m512i x = _mm512_loadu_si512(row + 2 * k);
-            const __m512i q = Quotient(x, mhi, mlo, mid);
+            const __m512i q = Quotient(x, mhi, mlo, av);
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + k), _mm512_cvtepi16_epi8(q));
-            seen = Seen(seen, x, mid);
+            seen = Seen(seen, x, av);
         }
         if (_mm512_cmpeq_epi16_mask(seen, _mm512_setzero_si512()) == 0) continue;
         for (size_t k = c; k < end; k += 32) {
-            __m512i mhi, mlo, mid;
+            __m512i mhi, mlo, av;
             mult(k, mhi, mlo);
             const __m512i x = _mm512_loadu_si512(row + 2 * k);
-            Quotient(x, mhi, mlo, mid);
-            for (std::uint32_t bad = _mm512_mask_cmpeq_epi16_mask(_mm512_test_epi16_mask(x, x), mid, _mm512_setzero_si512());
+            Quotient(x, mhi, mlo, av);
+            for (std::uint32_t bad = _mm512_mask_testn_epi16_mask(_mm512_test_epi16_mask(x, x), av, _mm512_set1_epi16(0x7FFF));
                  bad; bad &= bad - 1)
                 exact(k + static_cast<size_t>(__builtin_ctz(bad)));
         }
@@ -514,10 +531,11 @@ void Normalise8(const BYTE* src, BYTE* dst, size_t rows, size_t cols, short gain
         std::vector<std::uint32_t> rowRaw(rows);
         std::vector<unsigned> rowS(rows);  // each line's greatest sample
         const bool anyCol = useCols && rows > 50;
-        std::vector<std::uint32_t> colMax;
-        std::vector<float> rcpCol;
-        std::vector<std::uint16_t> colS;          // each column's greatest sample
-        std::vector<std::uint16_t> colHi, colLo;  // each column's multiplier (NormRowWordsColsAvx512)
+        // The kernels read these a vector at a time, alongside the plane.
+        zan::LineVector<std::uint32_t> colMax;
+        zan::LineVector<float> rcpCol;
+        zan::LineVector<std::uint16_t> colS;          // each column's greatest sample
+        zan::LineVector<std::uint16_t> colHi, colLo;  // each column's multiplier (NormRowWordsColsAvx512)
         size_t known = 0;  // lines whose rowRaw is known
         std::uint32_t colTop = 0;  // the greatest column maximum
         if (anyCol) {

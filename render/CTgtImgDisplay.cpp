@@ -203,7 +203,7 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
         zan_dsp::DepthColourRow(f, pl.nW, dr, dst);
     };
 
-    std::vector<BYTE> acc(pl.nW);
+    zan::LineVector<BYTE> acc(pl.nW);
     std::vector<LineLut> keys(m);
     unsigned r = 0, row = 0;
     while (r < pl.nLines && row < pl.nH) {

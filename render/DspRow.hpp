@@ -3,6 +3,7 @@
 // the library: colouring one display row by intensity or by depth. Each has a
 // plain form and, where the processor has AVX-512 with byte permutes (VBMI),
 // a vector form that gives the same bytes; the best is chosen at load.
+#include "core/CacheLineAllocator.hpp"
 #include "core/platform/CRgb.h"
 #include "core/platform/Types.h"
 
@@ -53,9 +54,9 @@ void ColourRow(const Fold& f, std::size_t n, const CRgb* ctab, const Planes& p, 
 // floor of u. Elsewhere, about 2e of the time, and for any column whose w is
 // not below 2^14 (or isn't a number), the exact form decides.
 struct DepthCols {
-    std::vector<double> sz;  // start depth of each column
-    std::vector<double> dz;  // end depth minus start depth
-    std::vector<float> a, bLo, room;
+    zan::LineVector<double> sz;  // start depth of each column
+    zan::LineVector<double> dz;  // end depth minus start depth
+    zan::LineVector<float> a, bLo, room;
     double dMin = 0.0;
     double scale = 1.0;      // nc / span
     int nc = 256;            // table entries, at least 256

@@ -28,6 +28,18 @@ size_t HeapInUse()
 #endif
 }
 
+// What may stay counted after unloading. ASan counts the bytes it hands out.
+// glibc counts the small blocks it keeps in its per-thread cache after they
+// are freed as in use, and an image plane, which starts on a cache line,
+// leaves a few such pieces when it is split from a larger free block: a
+// kilobyte or two, far less than any one thing a session holds (one image
+// plane is 51 KiB; the geodetic records together are more).
+#if defined(__SANITIZE_ADDRESS__)
+constexpr size_t kSlack = 256;
+#else
+constexpr size_t kSlack = 4096;
+#endif
+
 // A session's worth of work that leaves things in the library's statics.
 void Session()
 {
@@ -75,7 +87,7 @@ TEST(Unload, CleanupReleasesWhatASessionHeld)
     Zan::SetSink(old);
 
     EXPECT_GT(held, base + 6 * 400 * 128) << "the session should have held its images";
-    EXPECT_LE(after, base + 256) << "held " << held - base << " bytes, " << after - base << " left after unloading";
+    EXPECT_LE(after, base + kSlack) << "held " << held - base << " bytes, " << after - base << " left after unloading";
     EXPECT_TRUE(CTgtImg::s_imgPool.empty());
     EXPECT_EQ(CTgtImg::s_pCompress, nullptr);
     EXPECT_EQ(CTgtImg::s_compressSize, 0u);

@@ -266,6 +266,46 @@ TEST(Normalise8, EveryWordOfALine)
     }
 }
 
+TEST(Normalise8, SamplesWhoseMiddleProductsSumToAllOnes)
+{
+    // The 16-bit lane form multiplies s by M = ceil(g 2^32 / den) in 16-bit
+    // pieces. Where the low half of s * (M >> 16) and the high half of
+    // s * (M & 0xFFFF) add up to exactly 0xFFFF, its cheap carry is one too
+    // many: such samples must be put right. They are rare (one sample in a
+    // line maximum's worth, for a few maxima), so the test looks for them:
+    // lines of the maximum and then only such samples.
+    int lines = 0;
+    for (short g : {255, 300, 510}) {
+        int found = 0;
+        for (unsigned mx = 65535; mx >= 1000 && found < 3; --mx) {
+            const std::uint32_t den = mx * static_cast<unsigned>(g) / 255;
+            if (static_cast<std::uint64_t>(mx) * den > (1ull << 32)) continue;
+            const std::uint64_t M = ((static_cast<std::uint64_t>(g) << 32) + den - 1) / den;
+            std::vector<unsigned> edge;
+            for (unsigned s = 1; s <= mx; ++s) {
+                const unsigned loA = (s * static_cast<unsigned>(M >> 16)) & 0xFFFF;
+                const unsigned hiB = (s * static_cast<unsigned>(M & 0xFFFF)) >> 16;
+                if (loA + hiB == 0xFFFF) edge.push_back(s);
+            }
+            if (edge.empty()) continue;
+            ++found;
+            std::vector<unsigned> s {mx};
+            while (s.size() < 96) s.insert(s.end(), edge.begin(), edge.end());
+            const auto want = PlainNormalise8(s, 1, s.size(), g, false, false);
+            AtEveryLevel([&] {
+                CTgtImg img;
+                img.Ping()->m_bfGain = g;
+                img.Ping()->m_nrmSpread = 0;
+                Fill16(img, 1, static_cast<unsigned>(s.size()), s);
+                img.Normalise8(0);
+                ASSERT_EQ(Bytes(img), want) << "g " << g << " max " << mx << ", sample " << edge[0];
+            });
+        }
+        lines += found;
+    }
+    EXPECT_EQ(lines, 9);
+}
+
 TEST(Normalise16, WeakImagesAreNotStretchedAndStrongLinesArePulledDown)
 {
     CTgtImg img;
