@@ -16,12 +16,13 @@
 //   split_bound  the 2-thread speed-up the row split allows: each slice's
 //              kernel timed alone on one thread, their sum over the slowest
 //              (2.0: the slices cost the same)
-// Normalise8 and Norm16to8 are timed beside a memcpy of the same 16-bit plane;
-// x_memcpy is their speed relative to it.
+// Normalise8 and Norm16to8 are timed in turn with a memcpy of the same 16-bit
+// plane (bench/SideBySide.hpp); x_memcpy is their speed relative to it.
 //
 //   ./build/bench/bench_filter
 #include <zandata/ZanData.h>
 
+#include "bench/SideBySide.hpp"
 #include "tests/processing/FltReference.hpp"
 
 #include <benchmark/benchmark.h>
@@ -114,22 +115,15 @@ std::map<std::string, Cost>& Times()
     return t;
 }
 
-double ProcessCpu()
-{
-    timespec ts{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) + 1e-9 * static_cast<double>(ts.tv_nsec);
-}
-
 // Times one run of f: elapsed seconds to the benchmark, both kinds to `cost`.
 template <class F>
 void Timed(benchmark::State& state, Cost& cost, F&& f)
 {
-    const double c0 = ProcessCpu();
+    const double c0 = bench::ProcessSeconds();
     const auto t0 = std::chrono::steady_clock::now();
     f();
     const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-    cost.cpu += ProcessCpu() - c0;
+    cost.cpu += bench::ProcessSeconds() - c0;
     cost.wall += wall;
     state.SetIterationTime(wall);
 }
@@ -272,17 +266,16 @@ void Raw16(CTgtImg& img)
 static void BM_Memcpy16(benchmark::State& state)
 {
     std::vector<BYTE> dst(Plane16().size());
-    Cost cost;
     for (auto _ : state) {
-        Timed(state, cost, [&] { std::memcpy(dst.data(), Plane16().data(), Plane16().size()); });
+        std::memcpy(dst.data(), Plane16().data(), Plane16().size());
         benchmark::DoNotOptimize(dst.data());
+        benchmark::ClobberMemory();
     }
-    Average(state, cost);
-    Times()["memcpy"] = cost;
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(Plane16().size()));
     state.SetLabel("memcpy of the 16-bit plane");
 }
 
+// op on the 16-bit plane, with memcpy of the same plane in turn (x_memcpy).
 static void RawOp(benchmark::State& state, const char* name, void (*op)(CTgtImg&))
 {
     Quiet();
@@ -291,15 +284,22 @@ static void RawOp(benchmark::State& state, const char* name, void (*op)(CTgtImg&
     img.Ping()->m_nrmSpread = 1;
     Raw16(img);
     op(img);  // sizes the 8-bit plane once, as a stream of like pings would
-    Cost cost;
-    for (auto _ : state) {
-        Timed(state, cost, [&] { op(img); });
-        benchmark::DoNotOptimize(img.m_pImg);
-    }
-    Average(state, cost);
+    std::vector<BYTE> dst(Plane16().size());
+    const bench::SideBySide r = bench::RunSideBySide(
+        state,
+        [&] {
+            op(img);
+            benchmark::DoNotOptimize(img.m_pImg);
+            benchmark::ClobberMemory();
+        },
+        [&](int) {
+            std::memcpy(dst.data(), Plane16().data(), Plane16().size());
+            benchmark::DoNotOptimize(dst.data());
+            benchmark::ClobberMemory();
+        });
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(Plane16().size()));
-    const auto mc = Times().find("memcpy");
-    if (mc != Times().end()) state.counters["x_memcpy"] = mc->second.wall / cost.wall;
+    if (r.OpEach() > 0.0) state.counters["x_memcpy"] = r.RefEach() / r.OpEach();
+    state.counters["memcpy_us"] = r.RefEach() * 1e6;
     state.SetLabel(name);
 }
 
@@ -316,7 +316,7 @@ static void BM_Norm16to8(benchmark::State& state)
     RawOp(state, "Norm16to8", [](CTgtImg& img) { img.Norm16to8(0.0); });
 }
 
-BENCHMARK(BM_Memcpy16)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Normalise8Rows)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Normalise8Cols)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_Norm16to8)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Memcpy16)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Normalise8Rows)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Normalise8Cols)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Norm16to8)->Unit(benchmark::kMicrosecond);

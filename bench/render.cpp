@@ -10,9 +10,10 @@
 //    work doesn't grow with them).
 #include <zandata/ZanData.h>
 
+#include "bench/SideBySide.hpp"
+
 #include <benchmark/benchmark.h>
 
-#include <ctime>
 #include <cstring>
 #include <vector>
 
@@ -49,14 +50,6 @@ void MakeImage(CTgtImg& img, unsigned nRngs, unsigned nBrgs)
     }
 }
 
-// Processor time of the process, in seconds.
-double Cpu()
-{
-    timespec ts {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) + 1e-9 * static_cast<double>(ts.tv_nsec);
-}
-
 void BM_CreateImg(benchmark::State& st)
 {
     const int depthCol = static_cast<int>(st.range(0));
@@ -67,49 +60,28 @@ void BM_CreateImg(benchmark::State& st)
     p.m_percentGain = 10;
     CColTbl tbl = CColTbl::Viridis();
     img.CreateImg(tbl, kRes1024, depthCol, 0.0, 30.0, true);
-    // Batches of memcpy run in turn with batches of builds, so that both see
-    // the same phases of a shared machine (whose memcpy rate drifts by a
-    // quarter from minute to minute), each in its own steady state but for
-    // the first of a batch. Both are counted in processor time.
-    constexpr int kBatch = 64;
     const std::size_t nCopy = static_cast<std::size_t>(kBrgs) * 1024 * sizeof(CRgb);
     std::vector<unsigned char> a(nCopy, 1), b(nCopy, 2);
     std::memcpy(b.data(), a.data(), nCopy);
-    double build = 0.0, copy = 0.0;
-    int64_t builds = 0, copies = 0;
-    auto copyBatch = [&] {
-        const double t1 = Cpu();
-        for (int i = 0; i < kBatch; ++i) {
-            a[static_cast<std::size_t>(i)] = static_cast<unsigned char>(copies + i);
+    const bench::SideBySide r = bench::RunSideBySide(
+        st,
+        [&] {
+            img.CreateImg(tbl, kRes1024, depthCol, 0.0, 30.0, true);
+            benchmark::DoNotOptimize(img.m_pDsp);
+            benchmark::ClobberMemory();
+        },
+        [&](int i) {
+            a[static_cast<std::size_t>(i)] = static_cast<unsigned char>(i);
             std::memcpy(b.data(), a.data(), nCopy);
             benchmark::DoNotOptimize(b.data());
             benchmark::ClobberMemory();
-        }
-        copy += Cpu() - t1;
-        copies += kBatch;
-    };
-    // Timed a batch at a time: a clock read is a system call here, and one
-    // between every two builds slowed them by a tenth.
-    double t0 = Cpu();
-    for (auto _ : st) {
-        img.CreateImg(tbl, kRes1024, depthCol, 0.0, 30.0, true);
-        benchmark::DoNotOptimize(img.m_pDsp);
-        benchmark::ClobberMemory();
-        if (++builds % kBatch) continue;
-        build += Cpu() - t0;
-        st.PauseTiming();
-        copyBatch();
-        st.ResumeTiming();
-        t0 = Cpu();
-    }
-    if (builds % kBatch) build += Cpu() - t0;
-    if (copies == 0) copyBatch();
+        });
     const double srcBytes = static_cast<double>(kRngs) * kBrgs;
     st.SetBytesProcessed(static_cast<int64_t>(st.iterations() * srcBytes));
     // Source bytes a second over memcpy's bytes a second.
-    if (build > 0.0 && copy > 0.0)
-        st.counters["vs_memcpy"] = (srcBytes * static_cast<double>(builds) / build) /
-                                   (static_cast<double>(nCopy) * static_cast<double>(copies) / copy);
+    if (r.OpEach() > 0.0 && r.RefEach() > 0.0)
+        st.counters["vs_memcpy"] = (srcBytes / r.OpEach()) / (static_cast<double>(nCopy) / r.RefEach());
+    st.counters["memcpy_us"] = r.RefEach() * 1e6;
 }
 BENCHMARK(BM_CreateImg)->ArgName("depth")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 

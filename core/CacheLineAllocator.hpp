@@ -1,9 +1,9 @@
 #pragma once
 // Work arrays that the vector kernels read a whole vector at a time start on
 // a cache line: a 64-byte load from a block the heap placed 16 bytes past a
-// line touches two lines, and on the processors we measured that made a pass
-// whose loads all straddle a fifth slower. std::vector's own allocator gives
-// 16 bytes.
+// line touches two lines. Normalise8 with column maxima, whose kernel reads
+// three such arrays a step, ran a fifth slower when the heap happened to place
+// them so. std::vector's own allocator promises 16 bytes.
 #include <cstddef>
 #include <new>
 #include <vector>

@@ -174,7 +174,9 @@ public:
     // Each sizing call takes line and byte counts; 0 in either means the
     // buffer isn't wanted and releases it. Every one stores m_nRngs = nRngs,
     // so the last call sets the line count of the whole image. Reusing a
-    // buffer of the same size allocates nothing.
+    // buffer of the same size allocates nothing. The planes of Alloc,
+    // AllocQI, AllocPA and SetImgSize start on a 64-byte boundary, which the
+    // vector kernels read best, and are C heap blocks (free() releases them).
 
     // Intensity (m_nPixBytes * nRngs * nBrgs bytes) and per-bearing data
     // (vectors, m_pBrgBnd). m_pImg keeps its samples when nRngs and nBrgs are

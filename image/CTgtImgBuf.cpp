@@ -22,9 +22,9 @@ namespace {
     std::exit(1);
 }
 
-// Planes start on a cache line, so that the vector kernels' whole-line loads
-// and stores never straddle two lines (which costs a fifth of a pass over a
-// plane that isn't). The block is still a C heap block, released with free().
+// Planes start on a cache line, so that the vector kernels' 64-byte loads and
+// stores of a line's samples never straddle two cache lines (a straddling
+// access costs two). The block is still a C heap block, released with free().
 constexpr size_t kPlaneAlign = 64;
 
 // p resized to nBytes, keeping what both sizes hold, unless it already has

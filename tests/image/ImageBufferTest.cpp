@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 
 namespace {
 
@@ -74,6 +75,33 @@ TEST(ImageBuffers, BearingWordsSurviveResizing)
     EXPECT_EQ(img.m_pBrgBnd[0], 7u);
     EXPECT_EQ(img.m_pBrgBnd[2], 9u);
     EXPECT_EQ(img.m_pBrgBnd[4], 0u);
+    img.m_pBrgBnd[1] = 4;
+    img.Alloc(2, 2);  // shrinking keeps the words that remain
+    EXPECT_EQ(img.m_pBrgBnd[0], 7u);
+    EXPECT_EQ(img.m_pBrgBnd[1], 4u);
+}
+
+TEST(ImageBuffers, PlanesStartOnACacheLine)
+{
+    // Odd sizes, and sizes each way of the heap's switch to whole pages.
+    for (unsigned brgs : {1u, 3u, 127u, 1024u, 4099u}) {
+        CTgtImg img;
+        img.Ping()->m_rx2ID = 2;
+        img.Ping()->SetNumBeams(static_cast<int>(brgs));
+        for (unsigned rngs : {1u, 7u, 300u}) {
+            img.Alloc(rngs, brgs);
+            img.AllocQI(rngs, 2 * brgs + 1);
+            img.AllocPA(rngs, brgs + 3);
+            img.SetImgSize(64);
+            for (const void* p : {static_cast<const void*>(img.m_pImg), static_cast<const void*>(img.m_pImg2),
+                                  static_cast<const void*>(img.m_pQI), static_cast<const void*>(img.m_pQI2),
+                                  static_cast<const void*>(img.m_pAmp), static_cast<const void*>(img.m_pPhs),
+                                  static_cast<const void*>(img.m_pDsp)}) {
+                ASSERT_NE(p, nullptr) << brgs << " x " << rngs;
+                EXPECT_EQ(reinterpret_cast<std::uintptr_t>(p) % 64, 0u) << brgs << " x " << rngs;
+            }
+        }
+    }
 }
 
 TEST(ImageBuffers, RawPhaseAmplitudeAndLinesAreAlwaysZeroed)
