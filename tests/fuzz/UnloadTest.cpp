@@ -32,8 +32,8 @@ size_t HeapInUse()
 // glibc counts the small blocks it keeps in its per-thread cache after they
 // are freed as in use, and an image plane, which starts on a cache line,
 // leaves a few such pieces when it is split from a larger free block: a
-// kilobyte or two, far less than any one thing a session holds (one image
-// plane is 51 KiB; the geodetic records together are more).
+// kilobyte or two, far less than the images and the compression buffer a
+// session holds (one image plane is 51 KiB).
 #if defined(__SANITIZE_ADDRESS__)
 constexpr size_t kSlack = 256;
 #else
