@@ -167,6 +167,14 @@ ZAN_VBMI inline __m512i Lookup(__m512i idx, const Tbl256& t, __mmask64 keep = ~_
     return _mm512_or_si512(lo, _mm512_maskz_permutex2var_epi8(keep & hi, t.t2, idx, t.t3));
 }
 
+// The same where every index lies in one half of the table (upper: 128 to
+// 255): one permute.
+ZAN_VBMI inline __m512i LookupHalf(__m512i idx, const Tbl256& t, __mmask64 keep, bool upper)
+{
+    return upper ? _mm512_maskz_permutex2var_epi8(keep, t.t2, idx, t.t3)
+                 : _mm512_maskz_permutex2var_epi8(keep, t.t0, idx, t.t1);
+}
+
 // The greatest of the folded lines' bytes for the 64 columns from x, in work order.
 ZAN_VBMI inline __m512i FoldedBlock(const Fold& f, std::size_t x, __m512i order)
 {
@@ -342,14 +350,9 @@ ZAN_VBMI void DepthColourRowVbmiT(const Fold& f, std::size_t n, const DepthRow& 
         // Depth changes little across 64 columns: their indices mostly lie
         // in one half of the table, which one permute each reads.
         const __mmask64 hi = _mm512_movepi8_mask(idx);
-        if (hi == 0) {
-            r = _mm512_maskz_permutex2var_epi8(lit, tr.t0, idx, tr.t1);
-            g = _mm512_maskz_permutex2var_epi8(lit, tg.t0, idx, tg.t1);
-            b = _mm512_maskz_permutex2var_epi8(lit, tb.t0, idx, tb.t1);
-        } else if (hi == ~__mmask64 {0}) {
-            r = _mm512_maskz_permutex2var_epi8(lit, tr.t2, idx, tr.t3);
-            g = _mm512_maskz_permutex2var_epi8(lit, tg.t2, idx, tg.t3);
-            b = _mm512_maskz_permutex2var_epi8(lit, tb.t2, idx, tb.t3);
+        if (hi == 0 || hi == ~__mmask64 {0}) {
+            const bool upper = hi != 0;
+            r = LookupHalf(idx, tr, lit, upper), g = LookupHalf(idx, tg, lit, upper), b = LookupHalf(idx, tb, lit, upper);
         } else {
             r = Lookup(idx, tr, lit), g = Lookup(idx, tg, lit), b = Lookup(idx, tb, lit);
         }
