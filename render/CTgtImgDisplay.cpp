@@ -193,14 +193,25 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
         }
         cols.Prepare(depthMin, scale, nc);
     }
-    auto colourRow = [&](CRgb* dst, const zan_dsp::Fold& f, const BYTE* l, unsigned rLast) {
+    // Rows coloured through lut l.
+    auto colourRows = [&](const zan_dsp::Rows& rs, const BYTE* l) {
         if (!depthCol) {
             colourTable(l);
-            zan_dsp::ColourRow(f, pl.nW, ctab.data(), ctabPlanes, dst);
+            zan_dsp::ColourRows(rs, pl.nW, ctab.data(), ctabPlanes);
             return;
         }
-        const zan_dsp::DepthRow dr {&cols, static_cast<double>(rLast) / pl.nRngs, pTbl, &tblPlanes, l};
-        zan_dsp::DepthColourRow(f, pl.nW, dr, dst);
+        zan_dsp::DepthColourRows(rs, pl.nW, zan_dsp::DepthColour {&cols, pTbl, &tblPlanes, l});
+    };
+    auto rowsFrom = [&](unsigned row, const zan_dsp::Fold& f, unsigned rLast) {
+        return zan_dsp::Rows {f, 1, pl.pDsp + static_cast<std::size_t>(row) * pl.nW, pl.nW, rLast, pl.nRngs};
+    };
+    // Rows that fold their raw lines through the same table wait here, to be
+    // coloured in one call.
+    zan_dsp::Rows run {};
+    const BYTE* runLut = nullptr;
+    auto flush = [&] {
+        if (run.nRows) colourRows(run, runLut);
+        run.nRows = 0;
     };
 
     zan::LineVector<BYTE> acc(pl.nW);
@@ -214,6 +225,7 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
         const BYTE* rowLut = identity.data();
         if (same && !keys[0].Identity()) {
             if (!lutValid || !(lutKey == keys[0])) {
+                flush();  // its rows read the table about to change
                 FillLut(keys[0], ratio, lut.data());
                 lutKey = keys[0];
                 lutValid = Monotone(lut.data());
@@ -224,12 +236,19 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
             // and correct the row once.
             if (lutValid) rowLut = lut.data();
         }
-        CRgb* dst = pl.pDsp + static_cast<std::size_t>(row) * pl.nW;
         const BYTE* first = pl.pSrc + static_cast<std::size_t>(r) * pl.nW;
         if (same && (rowLut != identity.data() || keys[0].Identity())) {
-            // The row's kernel folds the raw lines itself.
-            colourRow(dst, zan_dsp::Fold {first, pl.nW, rEnd - r}, rowLut, rEnd - 1);
+            // The row's kernel folds the raw lines itself: the row joins the
+            // waiting ones if it follows them alike, with all m lines.
+            if (run.nRows && runLut == rowLut && run.f.m == m && rEnd - r == m) {
+                ++run.nRows;
+            } else {
+                flush();
+                run = rowsFrom(row, zan_dsp::Fold {first, pl.nW, rEnd - r}, rEnd - 1);
+                runLut = rowLut;
+            }
         } else {
+            flush();
             // Lines corrected one by one, through their own tables.
             std::fill(acc.begin(), acc.end(), BYTE(0));
             for (unsigned j = r; j < rEnd; ++j) {
@@ -246,15 +265,20 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
                 }
                 for (unsigned x = 0; x < pl.nW; ++x) acc[x] = std::max(acc[x], lineLut[s[x]]);
             }
-            colourRow(dst, zan_dsp::Fold {acc.data(), 0, 1}, identity.data(), rEnd - 1);
+            colourRows(rowsFrom(row, zan_dsp::Fold {acc.data(), 0, 1}, rEnd - 1), identity.data());
         }
         r = rEnd;
         ++row;
     }
-    // Rows that no line reached hold intensity 0.
+    flush();
+    // Rows that no line reached hold intensity 0: one zero line for all,
+    // which no depth reaches.
     std::fill(acc.begin(), acc.end(), BYTE(0));
-    for (; row < pl.nH; ++row)
-        colourRow(pl.pDsp + static_cast<std::size_t>(row) * pl.nW, zan_dsp::Fold {acc.data(), 0, 1}, identity.data(), 0);
+    if (row < pl.nH) {
+        zan_dsp::Rows rest = rowsFrom(row, zan_dsp::Fold {acc.data(), 0, 1}, 0);
+        rest.nRows = pl.nH - row;
+        colourRows(rest, identity.data());
+    }
 }
 
 } // namespace

@@ -93,6 +93,17 @@ inline BYTE FoldedAt(const Fold& f, std::size_t x)
     return v;
 }
 
+// Row j of a run: its lines, its pixels and its place in the image.
+inline Fold RowFold(const Rows& rs, unsigned j)
+{
+    return {rs.f.first + static_cast<std::size_t>(j) * rs.f.m * rs.f.stride, rs.f.stride, rs.f.m};
+}
+inline CRgb* RowOut(const Rows& rs, unsigned j) { return rs.out + static_cast<std::size_t>(j) * rs.outStride; }
+inline double RowFrac(const Rows& rs, unsigned j)
+{
+    return static_cast<double>(rs.rLast + j * rs.f.m) / rs.nRngs;
+}
+
 void MaxRowPlain(BYTE* __restrict acc, const BYTE* __restrict s, std::size_t n)
 {
     std::size_t x = 0;
@@ -121,14 +132,24 @@ inline CRgb DepthPixel(unsigned i, BYTE b1, const CRgb* tbl)
                 static_cast<BYTE>((c.b * k) >> 8), tbl[i].a);
 }
 
-void DepthColourRowPlain(const Fold& f, std::size_t from, std::size_t n, const DepthRow& d, CRgb* out)
+void DepthColourRowPlain(const Fold& f, double frac, std::size_t from, std::size_t n, const DepthColour& d, CRgb* out)
 {
     const std::size_t nVec = d.cols->Size();
     for (std::size_t x = from; x < n; ++x) {
         const unsigned i = d.lut[FoldedAt(f, x)];
-        const BYTE b1 = i > 8 && x < nVec ? ExactIndex(*d.cols, d.frac, x) : 0;
+        const BYTE b1 = i > 8 && x < nVec ? ExactIndex(*d.cols, frac, x) : 0;
         out[x] = DepthPixel(i, b1, d.tbl);
     }
+}
+
+void ColourRowsPlain(const Rows& rs, std::size_t n, const CRgb* ctab)
+{
+    for (unsigned j = 0; j < rs.nRows; ++j) ColourRowPlain(RowFold(rs, j), 0, n, ctab, RowOut(rs, j));
+}
+
+void DepthColourRowsPlain(const Rows& rs, std::size_t n, const DepthColour& d)
+{
+    for (unsigned j = 0; j < rs.nRows; ++j) DepthColourRowPlain(RowFold(rs, j), RowFrac(rs, j), 0, n, d, RowOut(rs, j));
 }
 
 #ifdef ZAN_DSP_X86
@@ -205,18 +226,22 @@ ZAN_VBMI void MaxRowVbmi(BYTE* __restrict acc, const BYTE* __restrict s, std::si
     MaxRowPlain(acc + x, s + x, n - x);
 }
 
-ZAN_VBMI void ColourRowVbmi(const Fold& f, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out)
+ZAN_VBMI void ColourRowsVbmi(const Rows& rs, std::size_t n, const CRgb* ctab, const Planes& p)
 {
     const Tbl256 tr = LoadTbl(p.r), tg = LoadTbl(p.g), tb = LoadTbl(p.b), ta = LoadTbl(p.a);
     const __m512i order = _mm512_load_si512(kWorkOrder.data());
-    std::size_t x = 0;
-    for (; x + 64 <= n; x += 64) {
-        const __m512i v = FoldedBlock(f, x, order);
-        const __m512i r = Lookup(v, tr), g = Lookup(v, tg), b = Lookup(v, tb), a = Lookup(v, ta);
-        StoreWords(out + x, _mm512_unpacklo_epi8(r, g), _mm512_unpackhi_epi8(r, g), _mm512_unpacklo_epi8(b, a),
-                   _mm512_unpackhi_epi8(b, a));
+    for (unsigned j = 0; j < rs.nRows; ++j) {
+        const Fold f = RowFold(rs, j);
+        CRgb* out = RowOut(rs, j);
+        std::size_t x = 0;
+        for (; x + 64 <= n; x += 64) {
+            const __m512i v = FoldedBlock(f, x, order);
+            const __m512i r = Lookup(v, tr), g = Lookup(v, tg), b = Lookup(v, tb), a = Lookup(v, ta);
+            StoreWords(out + x, _mm512_unpacklo_epi8(r, g), _mm512_unpackhi_epi8(r, g), _mm512_unpacklo_epi8(b, a),
+                       _mm512_unpackhi_epi8(b, a));
+        }
+        ColourRowPlain(f, x, n, ctab, out);
     }
-    ColourRowPlain(f, x, n, ctab, out);
 }
 
 // Both bytes of each word times k, >> 8; k8 holds k (0 to 255) in the high
@@ -311,7 +336,7 @@ ZAN_VBMI inline __m512i Brightness(__m512i i, __m512i eight, __m512i k126)
 // kSameAlpha: every alpha of the table is the same (Planes::aSame), so a
 // lit pixel's alpha needs no lookup.
 template <bool kSameAlpha>
-ZAN_VBMI void DepthColourRowVbmiT(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out)
+ZAN_VBMI void DepthColourRowsVbmiT(const Rows& rs, std::size_t n, const DepthColour& d)
 {
     const DepthCols& c = *d.cols;
     const Planes& p = *d.tblPlanes;
@@ -329,47 +354,51 @@ ZAN_VBMI void DepthColourRowVbmiT(const Fold& f, std::size_t n, const DepthRow& 
     }
     const __m512i order = _mm512_load_si512(kWorkOrder.data());
     const __m512i aAll = _mm512_set1_epi8(static_cast<char>(p.a[0]));
-    const double frac = d.frac;
     const float *ea = c.a.data(), *ebLo = c.bLo.data(), *eRoom = c.room.data();
     const __m512i lowBytes = _mm512_load_si512(kLowBytesOfPacks.data());
-    const __m512 frac32 = _mm512_set1_ps(static_cast<float>(frac));
     const __m512i lastW = _mm512_set1_epi16(static_cast<short>(std::min(c.nc - 1, 32767)));
-    // The estimates' bounds hold for frac from 0 to 1.
-    const std::size_t nVec = frac >= 0.0 && frac <= 1.0 ? std::min(n, c.Size()) : 0;
-    std::size_t x = 0;
-    for (; x + 64 <= nVec; x += 64) {
-        const __m512i v = FoldedBlock(f, x, order);
-        const __m512i k = Lookup(v, tk);
-        const __mmask64 lit = _mm512_test_epi8_mask(k, k);
-        if (!lit) {
-            for (int j = 0; j < 4; ++j) _mm512_storeu_si512(out + x + 16 * j, zero);
-            continue;
+    for (unsigned j = 0; j < rs.nRows; ++j) {
+        const Fold f = RowFold(rs, j);
+        CRgb* out = RowOut(rs, j);
+        const double frac = RowFrac(rs, j);
+        const __m512 frac32 = _mm512_set1_ps(static_cast<float>(frac));
+        // The estimates' bounds hold for frac from 0 to 1.
+        const std::size_t nVec = frac >= 0.0 && frac <= 1.0 ? std::min(n, c.Size()) : 0;
+        std::size_t x = 0;
+        for (; x + 64 <= nVec; x += 64) {
+            const __m512i v = FoldedBlock(f, x, order);
+            const __m512i k = Lookup(v, tk);
+            const __mmask64 lit = _mm512_test_epi8_mask(k, k);
+            if (!lit) {
+                for (int q = 0; q < 4; ++q) _mm512_storeu_si512(out + x + 16 * q, zero);
+                continue;
+            }
+            const __m512i idx = DepthBlock(c, ea, ebLo, eRoom, frac, frac32, lastW, lowBytes, x);
+            __m512i r, g, b;
+            // Depth changes little across 64 columns: their indices mostly lie
+            // in one half of the table, which one permute each reads.
+            const __mmask64 hi = _mm512_movepi8_mask(idx);
+            if (hi == 0 || hi == ~__mmask64 {0}) {
+                const bool upper = hi != 0;
+                r = LookupHalf(idx, tr, lit, upper), g = LookupHalf(idx, tg, lit, upper), b = LookupHalf(idx, tb, lit, upper);
+            } else {
+                r = Lookup(idx, tr, lit), g = Lookup(idx, tg, lit), b = Lookup(idx, tb, lit);
+            }
+            __m512i a;
+            if constexpr (kSameAlpha) a = _mm512_maskz_mov_epi8(lit, aAll);
+            else a = Lookup(v, ta, lit);
+            const __m512i kLo = _mm512_unpacklo_epi8(zero, k), kHi = _mm512_unpackhi_epi8(zero, k);
+            StoreWords(out + x, ScaleBoth(_mm512_unpacklo_epi8(r, g), kLo), ScaleBoth(_mm512_unpackhi_epi8(r, g), kHi),
+                       ScaleLow(_mm512_unpacklo_epi8(b, a), kLo), ScaleLow(_mm512_unpackhi_epi8(b, a), kHi));
         }
-        const __m512i idx = DepthBlock(c, ea, ebLo, eRoom, frac, frac32, lastW, lowBytes, x);
-        __m512i r, g, b;
-        // Depth changes little across 64 columns: their indices mostly lie
-        // in one half of the table, which one permute each reads.
-        const __mmask64 hi = _mm512_movepi8_mask(idx);
-        if (hi == 0 || hi == ~__mmask64 {0}) {
-            const bool upper = hi != 0;
-            r = LookupHalf(idx, tr, lit, upper), g = LookupHalf(idx, tg, lit, upper), b = LookupHalf(idx, tb, lit, upper);
-        } else {
-            r = Lookup(idx, tr, lit), g = Lookup(idx, tg, lit), b = Lookup(idx, tb, lit);
-        }
-        __m512i a;
-        if constexpr (kSameAlpha) a = _mm512_maskz_mov_epi8(lit, aAll);
-        else a = Lookup(v, ta, lit);
-        const __m512i kLo = _mm512_unpacklo_epi8(zero, k), kHi = _mm512_unpackhi_epi8(zero, k);
-        StoreWords(out + x, ScaleBoth(_mm512_unpacklo_epi8(r, g), kLo), ScaleBoth(_mm512_unpackhi_epi8(r, g), kHi),
-                   ScaleLow(_mm512_unpacklo_epi8(b, a), kLo), ScaleLow(_mm512_unpackhi_epi8(b, a), kHi));
+        DepthColourRowPlain(f, frac, x, n, d, out);
     }
-    DepthColourRowPlain(f, x, n, d, out);
 }
 
-ZAN_VBMI void DepthColourRowVbmi(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out)
+ZAN_VBMI void DepthColourRowsVbmi(const Rows& rs, std::size_t n, const DepthColour& d)
 {
-    if (d.tblPlanes->aSame) DepthColourRowVbmiT<true>(f, n, d, out);
-    else DepthColourRowVbmiT<false>(f, n, d, out);
+    if (d.tblPlanes->aSame) DepthColourRowsVbmiT<true>(rs, n, d);
+    else DepthColourRowsVbmiT<false>(rs, n, d);
 }
 
 int Detect()
@@ -409,21 +438,21 @@ void MaxRow(BYTE* acc, const BYTE* s, std::size_t n)
     MaxRowPlain(acc, s, n);
 }
 
-void ColourRow(const Fold& f, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out)
+void ColourRows(const Rows& rows, std::size_t n, const CRgb* ctab, const Planes& p)
 {
 #ifdef ZAN_DSP_X86
-    if (Current() == kAvx512Vbmi) return ColourRowVbmi(f, n, ctab, p, out);
+    if (Current() == kAvx512Vbmi) return ColourRowsVbmi(rows, n, ctab, p);
 #endif
     (void)p;
-    ColourRowPlain(f, 0, n, ctab, out);
+    ColourRowsPlain(rows, n, ctab);
 }
 
-void DepthColourRow(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out)
+void DepthColourRows(const Rows& rows, std::size_t n, const DepthColour& d)
 {
 #ifdef ZAN_DSP_X86
-    if (Current() == kAvx512Vbmi) return DepthColourRowVbmi(f, n, d, out);
+    if (Current() == kAvx512Vbmi) return DepthColourRowsVbmi(rows, n, d);
 #endif
-    DepthColourRowPlain(f, 0, n, d, out);
+    DepthColourRowsPlain(rows, n, d);
 }
 
 } // namespace zan_dsp

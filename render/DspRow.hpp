@@ -36,12 +36,26 @@ struct Fold {
     unsigned m;
 };
 
+// A run of display rows whose lines fold alike: row j folds the f.m lines
+// from f.first + j * f.m * f.stride onto the pixels from out + j * outStride.
+// Its depth is taken at frac = (rLast + j * f.m) / nRngs, its last line over
+// the image's lines. A whole picture is one call, so that a kernel sets up
+// its tables once, not once a row.
+struct Rows {
+    Fold f;                 // row 0's lines
+    unsigned nRows;
+    CRgb* out;              // row 0's pixels
+    std::size_t outStride;  // pixels from one row to the next
+    unsigned rLast = 0;     // the line that row 0 folds last
+    unsigned nRngs = 1;     // lines of the image
+};
+
 // acc[x] = max(acc[x], s[x]) for x < n.
 void MaxRow(BYTE* acc, const BYTE* s, std::size_t n);
 
-// out[x] = ctab[v] for x < n, v the folded intensity of column x; p holds
-// ctab's planes.
-void ColourRow(const Fold& f, std::size_t n, const CRgb* ctab, const Planes& p, CRgb* out);
+// For each row, out[x] = ctab[v] for x < n, v the folded intensity of column
+// x; p holds ctab's planes.
+void ColourRows(const Rows& rows, std::size_t n, const CRgb* ctab, const Planes& p);
 
 // The depth geometry of an image's columns for one build.
 //
@@ -66,8 +80,8 @@ struct DepthCols {
     std::size_t Size() const { return sz.size(); }
 };
 
-// Depth colouring of one row. For x < n with i = lut[v], v the folded
-// intensity of column x:
+// Depth colouring of each row. For x < n with i = lut[v], v the folded
+// intensity of column x, and the row's frac:
 //   i <= 8: all four bytes 0;
 //   else: c = tbl[b1], b1 the low 8 bits of idx = floor((dz[x] * frac + sz[x]
 //   - dMin) * scale + 0.5), idx held at nc - 1 from above (a floor that isn't
@@ -75,16 +89,15 @@ struct DepthCols {
 //   the pixel is
 //   (c.r * k >> 8, c.g * k >> 8, c.b * k >> 8, tbl[i].a), k = min(i + 126, 255).
 // Columns from cols->Size() on have no depth: b1 = 0.
-struct DepthRow {
+struct DepthColour {
     const DepthCols* cols;
-    double frac;              // line / lines of the image, 0 to 1
     const CRgb* tbl;
     const Planes* tblPlanes;  // tbl's first 256 entries as planes
     const BYTE* lut;          // 256 entries: intensity as collected -> intensity
 };
-void DepthColourRow(const Fold& f, std::size_t n, const DepthRow& d, CRgb* out);
+void DepthColourRows(const Rows& rows, std::size_t n, const DepthColour& d);
 
-// The byte b1 of one column (as DepthColourRow).
+// The byte b1 of one column (as DepthColourRows).
 BYTE DepthIndexByte(double depth, double dMin, double scale, int nc);
 
 } // namespace zan_dsp

@@ -86,16 +86,18 @@ TEST(DspRow, EveryLevelGivesThePlainBytes)
         planes.Set(tbl.Data());
         BYTE lut[256];
         for (int v = 0; v < 256; ++v) lut[v] = static_cast<BYTE>(rng() % 2 ? v : rng());
-        const zan_dsp::DepthRow d {&cols, (rng() % 1000) / 999.0, tbl.Data(), &planes, lut};
+        const zan_dsp::DepthColour d {&cols, tbl.Data(), &planes, lut};
+        const unsigned rLast = rng() % 1000;
+        const double frac = rLast / 999.0;
 
         std::vector<std::vector<CRgb>> colour, depth;
         std::vector<std::vector<BYTE>> maxed;
         AtEachLevel([&](int) {
             std::vector<CRgb> out(n + 1, CRgb(1, 2, 3, 4));
-            zan_dsp::ColourRow(fold, n, tbl.Data(), planes, out.data());
+            zan_dsp::ColourRows({fold, 1, out.data(), n}, n, tbl.Data(), planes);
             colour.push_back(out);
             std::vector<CRgb> dout(n + 1, CRgb(1, 2, 3, 4));
-            zan_dsp::DepthColourRow(fold, n, d, dout.data());
+            zan_dsp::DepthColourRows({fold, 1, dout.data(), n, rLast, 999}, n, d);
             depth.push_back(dout);
             std::vector<BYTE> mx = acc;
             zan_dsp::MaxRow(mx.data(), s.data(), n);
@@ -113,7 +115,7 @@ TEST(DspRow, EveryLevelGivesThePlainBytes)
             const unsigned i = lut[acc[x]];
             CRgb want(0, 0, 0, 0);
             if (i > 8) {
-                const BYTE b1 = x < nVec ? zan_dsp::DepthIndexByte(cols.dz[x] * d.frac + cols.sz[x], cols.dMin, cols.scale, cols.nc) : 0;
+                const BYTE b1 = x < nVec ? zan_dsp::DepthIndexByte(cols.dz[x] * frac + cols.sz[x], cols.dMin, cols.scale, cols.nc) : 0;
                 const unsigned k = std::min(i + 126, 255u);
                 const CRgb c = tbl[b1];
                 want = CRgb(static_cast<BYTE>(c.r * k / 256), static_cast<BYTE>(c.g * k / 256),
@@ -145,11 +147,13 @@ TEST(DspRow, DepthIndicesAtWholeNumbersAreExactAtEveryLevel)
         double dMin, dMax;
     };
     const Span spans[] = {{0.0, 30.0}, {-5.0, 12.5}, {100.0, 101.0}, {0.0, 3000.0}, {-1e-3, 1e-3}};
-    const double fracs[] = {0.0, 1.0 / 3.0, 0.5, 1999.0 / 2000.0, 1.0};
+    // Each frac as a row's line over the image's lines.
+    const unsigned fracs[][2] = {{0, 1}, {1, 3}, {1, 2}, {1999, 2000}, {1, 1}};
     std::size_t checked = 0;
     for (const Span& sp : spans) {
         const double scale = 256.0 / (sp.dMax - sp.dMin);
-        for (const double frac : fracs) {
+        for (const auto& fr : fracs) {
+            const double frac = static_cast<double>(fr[0]) / fr[1];
             zan_dsp::DepthCols cols;
             cols.sz.resize(n);
             cols.dz.resize(n);
@@ -164,11 +168,11 @@ TEST(DspRow, DepthIndicesAtWholeNumbersAreExactAtEveryLevel)
                 cols.dz[x] = dz;
             }
             cols.Prepare(sp.dMin, scale, tbl.GetSize());
-            const zan_dsp::DepthRow d {&cols, frac, tbl.Data(), &planes, lut};
+            const zan_dsp::DepthColour d {&cols, tbl.Data(), &planes, lut};
             std::vector<std::vector<CRgb>> out;
             AtEachLevel([&](int) {
                 std::vector<CRgb> o(n);
-                zan_dsp::DepthColourRow(fold, n, d, o.data());
+                zan_dsp::DepthColourRows({fold, 1, o.data(), n, fr[0], fr[1]}, n, d);
                 out.push_back(o);
             });
             for (std::size_t l = 1; l < out.size(); ++l)
@@ -212,15 +216,68 @@ TEST(DspRow, SmoothDepthAcrossBeamsIsTheSameAtEveryLevel)
             cols.dz[x] = (static_cast<int>(rng() % 21) - 10) / 10.0 / scale;
         }
         cols.Prepare(dMin, scale, tbl.GetSize());
-        const zan_dsp::DepthRow d {&cols, (rng() % 2001) / 2000.0, tbl.Data(), &planes, lut};
+        const zan_dsp::DepthColour d {&cols, tbl.Data(), &planes, lut};
+        const unsigned rLast = rng() % 2001;
         std::vector<std::vector<CRgb>> out;
         AtEachLevel([&](int) {
             std::vector<CRgb> o(n + 1, CRgb(1, 2, 3, 4));
-            zan_dsp::DepthColourRow(fold, n, d, o.data());
+            zan_dsp::DepthColourRows({fold, 1, o.data(), n, rLast, 2000}, n, d);
             out.push_back(o);
         });
         for (std::size_t l = 1; l < out.size(); ++l)
             for (std::size_t x = 0; x <= n; ++x) ASSERT_EQ(out[l][x], out[0][x]) << "iteration " << iter << " column " << x;
+    }
+}
+
+// A run of rows gives what its rows give one call each: each row its own
+// lines, pixels and depth, at every level, and nothing between the rows.
+TEST(DspRow, ARunOfRowsIsItsRowsOneByOne)
+{
+    std::mt19937 rng(17);
+    for (int iter = 0; iter < 24; ++iter) {
+        const std::size_t n = 64 * (1 + rng() % 4) + rng() % 64;
+        const std::size_t outStride = n + 1 + rng() % 9;
+        const unsigned m = 1 + rng() % 3, nRows = 2 + rng() % 9;
+        const unsigned nRngs = nRows * m + rng() % 50, rLast = m - 1 + rng() % (nRngs - nRows * m + 1);
+        std::vector<BYTE> lines(n * m * nRows);
+        for (auto& v : lines) v = static_cast<BYTE>(rng() % 5 ? rng() % 70 : rng());
+        const CColTbl tbl = RandomTable(rng, 256, iter % 2);
+        zan_dsp::Planes planes;
+        planes.Set(tbl.Data());
+        BYTE lut[256];
+        for (int v = 0; v < 256; ++v) lut[v] = static_cast<BYTE>(std::min(255, v * 5 / 4));
+        zan_dsp::DepthCols cols;
+        cols.sz.resize(n);
+        cols.dz.resize(n);
+        for (std::size_t x = 0; x < n; ++x) {
+            cols.sz[x] = (rng() % 3000) / 100.0;
+            cols.dz[x] = (static_cast<int>(rng() % 4000) - 2000) / 100.0;
+        }
+        cols.Prepare(0.0, 256 / 30.0, 256);
+        const zan_dsp::DepthColour d {&cols, tbl.Data(), &planes, lut};
+        const zan_dsp::Fold fold {lines.data(), n, m};
+
+        const CRgb guard(1, 2, 3, 4);
+        std::vector<std::vector<CRgb>> pics;
+        AtEachLevel([&](int) {
+            for (const bool depth : {false, true}) {
+                std::vector<CRgb> whole(outStride * nRows, guard), rows(outStride * nRows, guard);
+                const zan_dsp::Rows run {fold, nRows, whole.data(), outStride, rLast, nRngs};
+                if (depth) zan_dsp::DepthColourRows(run, n, d);
+                else zan_dsp::ColourRows(run, n, tbl.Data(), planes);
+                for (unsigned j = 0; j < nRows; ++j) {
+                    const zan_dsp::Rows one {{lines.data() + j * m * n, n, m}, 1, rows.data() + j * outStride, outStride,
+                                             rLast + j * m, nRngs};
+                    if (depth) zan_dsp::DepthColourRows(one, n, d);
+                    else zan_dsp::ColourRows(one, n, tbl.Data(), planes);
+                }
+                ASSERT_EQ(whole, rows) << "iteration " << iter << (depth ? " by depth" : " by intensity");
+                for (unsigned j = 0; j < nRows; ++j)
+                    for (std::size_t x = n; x < outStride; ++x) ASSERT_EQ(whole[j * outStride + x], guard);
+                pics.push_back(whole);
+            }
+        });
+        for (std::size_t l = 2; l < pics.size(); ++l) ASSERT_EQ(pics[l], pics[l % 2]) << "iteration " << iter;
     }
 }
 
