@@ -218,7 +218,7 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
     std::vector<LineLut> keys(m);
     unsigned r = 0, row = 0;
     while (r < pl.nLines && row < pl.nH) {
-        const unsigned rEnd = std::min(r + m, pl.nLines);
+        unsigned rEnd = std::min(r + m, pl.nLines);
         for (unsigned j = r; j < rEnd; ++j) keys[j - r] = lineKey(j);
         const bool same = std::all_of(keys.begin(), keys.begin() + (rEnd - r),
                                       [&](const LineLut& k) { return k == keys[0]; });
@@ -246,6 +246,14 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
                 flush();
                 run = rowsFrom(row, zan_dsp::Fold {first, pl.nW, rEnd - r}, rEnd - 1);
                 runLut = rowLut;
+            }
+            // Without a gain table every line has the same correction: all
+            // the rows of m lines that follow join too.
+            if (!gainTable && rEnd - r == m) {
+                const unsigned more = std::min((pl.nLines - rEnd) / m, pl.nH - row - 1);
+                run.nRows += more;
+                rEnd += more * m;
+                row += more;
             }
         } else {
             flush();

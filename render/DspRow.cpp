@@ -24,7 +24,11 @@
 
 namespace zan_dsp {
 
-BYTE DepthIndexByte(double depth, double dMin, double scale, int nc)
+namespace {
+
+// DepthIndexByte's steps, inline here: the exported function may be
+// interposed, so calls to it from this library can't be inlined.
+inline BYTE IndexByte(double depth, double dMin, double scale, int nc)
 {
     const double t = (depth - dMin) * scale + 0.5;
     if (t >= static_cast<double>(nc)) return static_cast<BYTE>(nc - 1);  // floor(t) >= nc as well
@@ -33,6 +37,10 @@ BYTE DepthIndexByte(double depth, double dMin, double scale, int nc)
     if (static_cast<double>(q) > t) --q;   // floor
     return static_cast<BYTE>(static_cast<unsigned>(q) & 0xFFu);
 }
+
+} // namespace
+
+BYTE DepthIndexByte(double depth, double dMin, double scale, int nc) { return IndexByte(depth, dMin, scale, nc); }
 
 void Planes::Set(const CRgb* t)
 {
@@ -79,7 +87,7 @@ namespace {
 // for the plain processor, whatever the caller's target.
 [[gnu::noinline]] BYTE ExactIndex(const DepthCols& c, double frac, std::size_t x)
 {
-    return DepthIndexByte(c.dz[x] * frac + c.sz[x], c.dMin, c.scale, c.nc);
+    return IndexByte(c.dz[x] * frac + c.sz[x], c.dMin, c.scale, c.nc);
 }
 
 inline BYTE FoldedAt(const Fold& f, std::size_t x)
@@ -244,23 +252,43 @@ ZAN_VBMI void ColourRowsVbmi(const Rows& rs, std::size_t n, const CRgb* ctab, co
     }
 }
 
-// Both bytes of each word times k, >> 8; k8 holds k (0 to 255) in the high
-// byte of each word. The low byte's product lands in the low byte of a high
-// multiply; the high byte's whole product fits 16 bits, its >> 8 in the high byte.
-ZAN_VBMI inline __m512i ScaleBoth(__m512i w, __m512i k8)
+// Pixels of colour bytes r, g, b times brightness k, >> 8, and alpha a, all
+// in work order. Each colour byte goes to the high byte of a word, and a high
+// multiply by k << 8 leaves the whole product c * k in the word: its high
+// byte is the result. One permute then pairs the high bytes of two channels'
+// products, or of blue's with the alpha bytes, into the words that StoreWords
+// interleaves.
+constexpr std::array<BYTE, 64> PairHighBytes(bool withAlpha, int half)
 {
-    const __m512i hiMask = _mm512_set1_epi16(static_cast<short>(0xFF00));
-    const __m512i lo = _mm512_mulhi_epu16(_mm512_andnot_si512(hiMask, w), k8);
-    const __m512i hi = _mm512_mulhi_epu16(_mm512_and_si512(hiMask, w), k8);
-    return _mm512_ternarylogic_epi32(lo, hi, hiMask, 0xF8);  // lo | (hi & hiMask)
+    std::array<BYTE, 64> o {};
+    for (int lane = 0; lane < 4; ++lane)
+        for (int w = 0; w < 8; ++w) {
+            const auto at = static_cast<std::size_t>(16 * lane + 2 * w);
+            o[at] = static_cast<BYTE>(16 * lane + 2 * w + 1);
+            o[at + 1] = static_cast<BYTE>(withAlpha ? 64 + 16 * lane + 8 * half + w : 64 + 16 * lane + 2 * w + 1);
+        }
+    return o;
 }
+alignas(64) constexpr std::array<BYTE, 64> kPairRG = PairHighBytes(false, 0);
+alignas(64) constexpr std::array<BYTE, 64> kPairBA0 = PairHighBytes(true, 0);
+alignas(64) constexpr std::array<BYTE, 64> kPairBA1 = PairHighBytes(true, 1);
 
-// The low byte of each word times k, >> 8; the high byte kept.
-ZAN_VBMI inline __m512i ScaleLow(__m512i w, __m512i k8)
+struct Pairing {
+    __m512i rg, ba0, ba1;
+};
+
+ZAN_VBMI inline void StoreScaled(CRgb* out, __m512i r, __m512i g, __m512i b, __m512i a, __m512i k, const Pairing& pr)
 {
-    const __m512i hiMask = _mm512_set1_epi16(static_cast<short>(0xFF00));
-    const __m512i lo = _mm512_mulhi_epu16(_mm512_andnot_si512(hiMask, w), k8);
-    return _mm512_ternarylogic_epi32(lo, w, hiMask, 0xF8);  // lo | (w & hiMask)
+    const __m512i zero = _mm512_setzero_si512();
+    const __m512i kLo = _mm512_unpacklo_epi8(zero, k), kHi = _mm512_unpackhi_epi8(zero, k);
+    const __m512i r0 = _mm512_mulhi_epu16(_mm512_unpacklo_epi8(zero, r), kLo);
+    const __m512i r1 = _mm512_mulhi_epu16(_mm512_unpackhi_epi8(zero, r), kHi);
+    const __m512i g0 = _mm512_mulhi_epu16(_mm512_unpacklo_epi8(zero, g), kLo);
+    const __m512i g1 = _mm512_mulhi_epu16(_mm512_unpackhi_epi8(zero, g), kHi);
+    const __m512i b0 = _mm512_mulhi_epu16(_mm512_unpacklo_epi8(zero, b), kLo);
+    const __m512i b1 = _mm512_mulhi_epu16(_mm512_unpackhi_epi8(zero, b), kHi);
+    StoreWords(out, _mm512_permutex2var_epi8(r0, pr.rg, g0), _mm512_permutex2var_epi8(r1, pr.rg, g1),
+               _mm512_permutex2var_epi8(b0, pr.ba0, a), _mm512_permutex2var_epi8(b1, pr.ba1, a));
 }
 
 // The estimated floor of 16 columns' t, and which are sure.
@@ -357,6 +385,8 @@ ZAN_VBMI void DepthColourRowsVbmiT(const Rows& rs, std::size_t n, const DepthCol
     const float *ea = c.a.data(), *ebLo = c.bLo.data(), *eRoom = c.room.data();
     const __m512i lowBytes = _mm512_load_si512(kLowBytesOfPacks.data());
     const __m512i lastW = _mm512_set1_epi16(static_cast<short>(std::min(c.nc - 1, 32767)));
+    const Pairing pairing {_mm512_load_si512(kPairRG.data()), _mm512_load_si512(kPairBA0.data()),
+                           _mm512_load_si512(kPairBA1.data())};
     for (unsigned j = 0; j < rs.nRows; ++j) {
         const Fold f = RowFold(rs, j);
         CRgb* out = RowOut(rs, j);
@@ -387,9 +417,7 @@ ZAN_VBMI void DepthColourRowsVbmiT(const Rows& rs, std::size_t n, const DepthCol
             __m512i a;
             if constexpr (kSameAlpha) a = _mm512_maskz_mov_epi8(lit, aAll);
             else a = Lookup(v, ta, lit);
-            const __m512i kLo = _mm512_unpacklo_epi8(zero, k), kHi = _mm512_unpackhi_epi8(zero, k);
-            StoreWords(out + x, ScaleBoth(_mm512_unpacklo_epi8(r, g), kLo), ScaleBoth(_mm512_unpackhi_epi8(r, g), kHi),
-                       ScaleLow(_mm512_unpacklo_epi8(b, a), kLo), ScaleLow(_mm512_unpackhi_epi8(b, a), kHi));
+            StoreScaled(out + x, r, g, b, a, k, pairing);
         }
         DepthColourRowPlain(f, frac, x, n, d, out);
     }
