@@ -53,35 +53,33 @@ void Planes::Set(const CRgb* t)
     aSame = std::all_of(a, a + 256, [&](BYTE v) { return v == a[0]; });
 }
 
-void DepthCols::Prepare(double depthMin, double depthScale, int entries)
-{
-    dMin = depthMin;
-    scale = depthScale;
-    nc = entries;
-    // Beyond this w the estimate's floor would not fit the vector form's
-    // 16-bit lanes; such columns always take the exact form.
-    constexpr double kMaxW = 16383.0;
-    const std::size_t n = sz.size();
-    // No fraction is below -1: never sure.
-    a.assign(n, 0.0f);
-    bLo.assign(n, 0.5f);
-    room.assign(n, -1.0f);
-    for (std::size_t x = 0; x < n; ++x) {
-        const double w = (std::fabs(dz[x]) + std::fabs(sz[x]) + std::fabs(dMin)) * std::fabs(scale);
-        if (!(w <= kMaxW)) continue;
-        const double b = (sz[x] - dMin) * scale + 0.5, e = (w + 1.0) * 0x1p-20;  // exact: w + 1 >= 1
-        a[x] = static_cast<float>(dz[x] * scale);
-        bLo[x] = static_cast<float>(b - e);
-        const double r = 1.0 - 2.0 * e;
-        float rf = static_cast<float>(r);
-        // Rounded down, never more room: r lies between 1 - 2^-5 and 1, so rf
-        // is a positive normal float, and the next one down is one unit less.
-        if (static_cast<double>(rf) > r) rf = std::bit_cast<float>(std::bit_cast<std::uint32_t>(rf) - 1u);
-        room[x] = rf;
-    }
-}
-
 namespace {
+
+// Beyond this w the estimate's floor would not fit the vector form's 16-bit
+// lanes; such columns always take the exact form.
+constexpr double kMaxW = 16383.0;
+
+// The estimate of column x (DepthCols); a column whose w is beyond kMaxW, or
+// isn't a number, is never sure: no fraction is below -1.
+void PrepareColumn(DepthCols& c, std::size_t x)
+{
+    const double w = (std::fabs(c.dz[x]) + std::fabs(c.sz[x]) + std::fabs(c.dMin)) * std::fabs(c.scale);
+    if (!(w <= kMaxW)) {
+        c.a[x] = 0.0f;
+        c.bLo[x] = 0.5f;
+        c.room[x] = -1.0f;
+        return;
+    }
+    const double b = (c.sz[x] - c.dMin) * c.scale + 0.5, e = (w + 1.0) * 0x1p-20;  // exact: w + 1 >= 1
+    c.a[x] = static_cast<float>(c.dz[x] * c.scale);
+    c.bLo[x] = static_cast<float>(b - e);
+    const double r = 1.0 - 2.0 * e;
+    float rf = static_cast<float>(r);
+    // Rounded down, never more room: r lies between 1 - 2^-5 and 1, so rf
+    // is a positive normal float, and the next one down is one unit less.
+    if (static_cast<double>(rf) > r) rf = std::bit_cast<float>(std::bit_cast<std::uint32_t>(rf) - 1u);
+    c.room[x] = rf;
+}
 
 // The exact index of column x; kept out of line so that it is always built
 // for the plain processor, whatever the caller's target.
@@ -162,7 +160,7 @@ void DepthColourRowsPlain(const Rows& rs, std::size_t n, const DepthColour& d)
 
 #ifdef ZAN_DSP_X86
 
-#define ZAN_VBMI __attribute__((target("avx512f,avx512bw,avx512dq,avx512vbmi")))
+#define ZAN_VBMI __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,avx512vbmi")))
 
 // The order in which a block of 64 pixels is worked: byte 16 L + 4 j + m of a
 // vector holds pixel 16 j + 4 L + m. The byte and word unpacks that interleave
@@ -429,11 +427,41 @@ ZAN_VBMI void DepthColourRowsVbmi(const Rows& rs, std::size_t n, const DepthColo
     else DepthColourRowsVbmiT<false>(rs, n, d);
 }
 
+// PrepareColumn for eight columns at once, in the same steps and roundings;
+// the conversion toward minus infinity is the rounded-down room. Returns the
+// columns done, a multiple of 8.
+ZAN_VBMI std::size_t PrepareVbmi(DepthCols& c)
+{
+    const std::size_t n = c.Size();
+    const __m512d absMask = _mm512_castsi512_pd(_mm512_set1_epi64(0x7FFFFFFFFFFFFFFF));
+    const __m512d dMin = _mm512_set1_pd(c.dMin), scale = _mm512_set1_pd(c.scale);
+    const __m512d absDMin = _mm512_set1_pd(std::fabs(c.dMin)), absScale = _mm512_set1_pd(std::fabs(c.scale));
+    const __m512d one = _mm512_set1_pd(1.0), half = _mm512_set1_pd(0.5), two = _mm512_set1_pd(2.0);
+    const __m512d maxW = _mm512_set1_pd(kMaxW), ulp20 = _mm512_set1_pd(0x1p-20);
+    std::size_t x = 0;
+    for (; x + 8 <= n; x += 8) {
+        const __m512d sz = _mm512_loadu_pd(c.sz.data() + x), dz = _mm512_loadu_pd(c.dz.data() + x);
+        const __m512d w = _mm512_mul_pd(
+            _mm512_add_pd(_mm512_add_pd(_mm512_and_pd(dz, absMask), _mm512_and_pd(sz, absMask)), absDMin), absScale);
+        const __mmask8 ok = _mm512_cmp_pd_mask(w, maxW, _CMP_LE_OQ);
+        const __m512d b = _mm512_add_pd(_mm512_mul_pd(_mm512_sub_pd(sz, dMin), scale), half);
+        const __m512d e = _mm512_mul_pd(_mm512_add_pd(w, one), ulp20);
+        const __m512d r = _mm512_sub_pd(one, _mm512_mul_pd(two, e));
+        const __m256 a = _mm512_cvtpd_ps(_mm512_mul_pd(dz, scale)), bLo = _mm512_cvtpd_ps(_mm512_sub_pd(b, e));
+        const __m256 room = _mm512_cvt_roundpd_ps(r, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
+        _mm256_storeu_ps(c.a.data() + x, _mm256_maskz_mov_ps(ok, a));
+        _mm256_storeu_ps(c.bLo.data() + x, _mm256_mask_mov_ps(_mm256_set1_ps(0.5f), ok, bLo));
+        _mm256_storeu_ps(c.room.data() + x, _mm256_mask_mov_ps(_mm256_set1_ps(-1.0f), ok, room));
+    }
+    return x;
+}
+
 int Detect()
 {
     __builtin_cpu_init();
     if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-        __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vbmi"))
+        __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") &&
+        __builtin_cpu_supports("avx512vbmi"))
         return kAvx512Vbmi;
     return kPlain;
 }
@@ -457,6 +485,22 @@ int Current()
 
 int BestLevel() { return s_best; }
 void ForceLevel(int level) { s_forced.store(level, std::memory_order_relaxed); }
+
+void DepthCols::Prepare(double depthMin, double depthScale, int entries)
+{
+    dMin = depthMin;
+    scale = depthScale;
+    nc = entries;
+    const std::size_t n = sz.size();
+    a.resize(n);
+    bLo.resize(n);
+    room.resize(n);
+    std::size_t x = 0;
+#ifdef ZAN_DSP_X86
+    if (Current() == kAvx512Vbmi) x = PrepareVbmi(*this);
+#endif
+    for (; x < n; ++x) PrepareColumn(*this, x);
+}
 
 void MaxRow(BYTE* acc, const BYTE* s, std::size_t n)
 {

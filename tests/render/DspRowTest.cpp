@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -125,6 +126,56 @@ TEST(DspRow, EveryLevelGivesThePlainBytes)
         }
         ASSERT_EQ(colour[0][n], CRgb(1, 2, 3, 4));  // nothing written past the row
         ASSERT_EQ(depth[0][n], CRgb(1, 2, 3, 4));
+    }
+}
+
+// The estimates are made eight columns at a time where the processor allows:
+// the same floats, bit for bit, as column by column, for ordinary depths, the
+// values that aren't numbers or overflow, and w on either side of the limit
+// beyond which a column is never sure.
+TEST(DspRow, DepthEstimatesAreTheSameAtEveryLevel)
+{
+    std::mt19937 rng(23);
+    const double specials[] = {0.0, -0.0, 1e-310, -1e-310, 1e300, -1e300, 3e38, 1e-40,
+                               std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+                               -std::numeric_limits<double>::infinity()};
+    auto bits = [](const zan::LineVector<float>& v) {
+        std::vector<std::uint32_t> b(v.size());
+        for (std::size_t i = 0; i < v.size(); ++i) b[i] = std::bit_cast<std::uint32_t>(v[i]);
+        return b;
+    };
+    for (int iter = 0; iter < 300; ++iter) {
+        const std::size_t n = rng() % 70;
+        const double dMin = rng() % 8 ? static_cast<int>(rng() % 2000 - 1000) / 7.0 : specials[rng() % 11];
+        const double scale = rng() % 8 ? static_cast<int>(rng() % 20000 - 10000) / 313.0 : specials[rng() % 11];
+        std::vector<double> sz(n), dz(n);
+        for (std::size_t x = 0; x < n; ++x) {
+            switch (rng() % 4) {
+            case 0:  // a value that isn't ordinary
+                sz[x] = specials[rng() % 11];
+                dz[x] = rng() % 2 ? specials[rng() % 11] : 1.0;
+                break;
+            case 1: {  // w at the limit, or one unit either side
+                dz[x] = 0.0;
+                sz[x] = std::isfinite(scale) && scale != 0.0 ? 16383.0 / std::fabs(scale) - std::fabs(dMin) : 1.0;
+                for (int u = static_cast<int>(rng() % 5) - 2; u != 0; u += u > 0 ? -1 : 1)
+                    sz[x] = std::nextafter(sz[x], u > 0 ? 1e300 : -1e300);
+                break;
+            }
+            default:
+                sz[x] = static_cast<int>(rng() % 200000 - 100000) / 1009.0;
+                dz[x] = static_cast<int>(rng() % 200000 - 100000) / 997.0;
+            }
+        }
+        std::vector<std::vector<std::uint32_t>> got;
+        AtEachLevel([&](int) {
+            zan_dsp::DepthCols c;
+            c.sz.assign(sz.begin(), sz.end());
+            c.dz.assign(dz.begin(), dz.end());
+            c.Prepare(dMin, scale, 256);
+            for (const auto* v : {&c.a, &c.bLo, &c.room}) got.push_back(bits(*v));
+        });
+        for (std::size_t l = 3; l < got.size(); ++l) ASSERT_EQ(got[l], got[l % 3]) << "iteration " << iter << " array " << l % 3;
     }
 }
 
