@@ -14,7 +14,8 @@
 // correction table, and it rises with the sample (it does unless a gain
 // overflows 32 bits), max and table commute: the row kernel folds the raw
 // samples itself, straight from the plane, and the table is applied once per
-// pixel, through the colour table.
+// pixel, through the colour table. Rows that fold alike, through the same
+// table, go to the kernel together, which then sets up its tables once.
 #include "image/CTgtImg.h"
 
 #include "core/platform/CColTbl.h"
@@ -279,8 +280,8 @@ void BuildPlane(const Plane& pl, const CPing& ping, const Gain& ratio, CColTbl& 
         ++row;
     }
     flush();
-    // Rows that no line reached hold intensity 0: one zero line for all,
-    // which no depth reaches.
+    // Rows that no line reached hold intensity 0: one line of zeros serves
+    // them all, and intensity 0 never takes a depth.
     std::fill(acc.begin(), acc.end(), BYTE(0));
     if (row < pl.nH) {
         zan_dsp::Rows rest = rowsFrom(row, zan_dsp::Fold {acc.data(), 0, 1}, 0);

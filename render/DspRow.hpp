@@ -1,8 +1,9 @@
 #pragma once
 // Row kernels of the display image build (CTgtImg::CreateImg), internal to
-// the library: colouring one display row by intensity or by depth. Each has a
-// plain form and, where the processor has AVX-512 with byte permutes (VBMI),
-// a vector form that gives the same bytes; the best is chosen at load.
+// the library: colouring display rows by intensity or by depth, and the depth
+// estimates of the columns. Each has a plain form and, where the processor
+// has AVX-512 with byte permutes (VBMI), a vector form that gives the same
+// bytes; the best is chosen at load.
 #include "core/CacheLineAllocator.hpp"
 #include "core/platform/CRgb.h"
 #include "core/platform/Types.h"
